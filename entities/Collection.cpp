@@ -1,0 +1,12 @@
+#include "entities/Collection.h"
+
+#include "frame/VbError.h"
+
+namespace tovrand {
+
+Entity Collection::Item(std::int32_t index) const {
+  if (index < 1 || index > Count()) throw VbError::of(vberr::kSubscriptOutOfRange);
+  return items_[static_cast<std::size_t>(index - 1)];
+}
+
+}  // namespace tovrand

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "entities/Collection.h"
+#include "entities/Entity.h"
+#include "frame/Host.h"
+
+namespace tovrand {
+
+// How a handler ends a method: whether it drops m_Recordset first and which result it stores (none:
+// the result stays as the method left it).
+struct HandlerOptions {
+  bool dropRecordset = true;
+  std::optional<std::int16_t> result = 0;
+};
+
+// What every object of the four classes shares: its two members, m_DbConnection and m_Recordset,
+// each created on first use, the connection opened at creation and closed at destruction, and the
+// three handler forms a method's catch block calls.
+class DataObject {
+ public:
+  DataObject(const DataObject&) = delete;
+  DataObject& operator=(const DataObject&) = delete;
+
+ protected:
+  // Creation: m_DbConnection.OpenConnection; its failure propagates and no object exists.
+  explicit DataObject(std::shared_ptr<Host> host);
+  // Destruction: m_DbConnection.CloseConnection, through the same create-on-first-use access.
+  ~DataObject();
+
+  // m_DbConnection, created on first use.
+  DbConnection& dbConnection();
+  // m_DbConnection.Connection: what every method passes as the active connection.
+  std::shared_ptr<Connection> connection() { return dbConnection().Connection(); }
+  // m_Recordset, created on first use.
+  Recordset& recordset();
+  // Set m_Recordset = New ADODB.Recordset
+  void renewRecordset() { m_Recordset = host_->newRecordset(); }
+  // Set m_Recordset = Nothing
+  void dropRecordset() { m_Recordset.reset(); }
+  // A recordset local to a method (New ADODB.Recordset).
+  std::shared_ptr<Recordset> newRecordset() { return host_->newRecordset(); }
+  // A new entity of the class, for the lists (New clsEntXxx).
+  template <class T>
+  T newEntity() {
+    return T(host_->newEntity(T::Class()));
+  }
+
+  // The handler forms. Call them from `catch (...)`: they report the exception being handled.
+  // Write: the length message for 0x80040E21, else the description; style 64, "Quenta软件".
+  void writeHandler(std::int16_t& result, HandlerOptions options = {});
+  // Query: the description, style 64, "Quenta软件".
+  void queryHandler(std::int16_t& result, HandlerOptions options = {});
+  // Critical query: the description, style 16, with the method's title.
+  void criticalHandler(std::int16_t& result, const char* title, HandlerOptions options = {});
+
+  MessageSink& messages() { return host_->messages(); }
+
+ private:
+  std::shared_ptr<Host> host_;
+  std::shared_ptr<DbConnection> m_DbConnection;
+  std::shared_ptr<Recordset> m_Recordset;
+};
+
+}  // namespace tovrand
