@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "entities/Collection.h"
+#include "entities/Entities.h"
+#include "frame/DataObject.h"
+
+namespace tovrand {
+
+// Production orders (t_porder): maintenance and look-ups.
+class clsDataPOrder : public DataObject {
+ public:
+  explicit clsDataPOrder(std::shared_ptr<Host> host) : DataObject(std::move(host)) {}
+
+  std::int16_t QueryByStrSql(Collection& colPOrder, std::string& strSql);
+  std::int16_t GetALLChkList(Collection& collAllchklist);
+  std::int16_t QueryItem(clsEntPOrder& Entity);
+  std::int16_t CheckCustProdNo(clsEntPOrder& Entity, const std::string& CustNo, double ProNo);
+  std::int16_t AddRecord(clsEntPOrder& Entity);
+  std::int16_t UpdateRecord(clsEntPOrder& Entity);
+  std::int16_t UpdateOrderOutNo(clsEntPOrder& Entity);
+  std::int16_t QueryAllProdNo(std::vector<double>& dblProdNo);
+};
+
+}  // namespace tovrand
