@@ -47,9 +47,11 @@ Entity checkedView(Entity e, const EntityClass& cls) {
 
 }  // namespace
 
-#define TOVRAND_ENTITY_DEFINE(cls, index)                                           \
-  const EntityClass& cls::Class() { return kClasses[index]; }                       \
-  cls::cls() : Entity(newNativeEntity(kClasses[index])) {}                          \
+#define TOVRAND_ENTITY_DEFINE(cls, index)                  \
+  const EntityClass& cls::Class() {                        \
+    return kClasses[index];                                \
+  }                                                        \
+  cls::cls() : Entity(newNativeEntity(kClasses[index])) {} \
   cls::cls(Entity e) : Entity(checkedView(std::move(e), kClasses[index])) {}
 
 TOVRAND_ENTITY_DEFINE(clsEntPOrder, 0)
@@ -64,7 +66,9 @@ TOVRAND_ENTITY_DEFINE(clsEntEBom, 8)
 
 #undef TOVRAND_ENTITY_DEFINE
 
-std::span<const EntityClass* const> entityClasses() { return kClassList; }
+std::span<const EntityClass* const> entityClasses() {
+  return kClassList;
+}
 
 const EntityClass* findEntityClass(std::string_view name) {
   for (const EntityClass* cls : kClassList)

@@ -13,20 +13,28 @@ std::optional<std::size_t> EntityClass::find(std::string_view property) const {
 
 Value initialValue(PropertyType type) {
   switch (type) {
-    case PropertyType::Double: return Value(0.0);
-    case PropertyType::String: return Value(std::string());
-    case PropertyType::Integer: return Value(std::int16_t{0});
-    case PropertyType::Date: return Value(VbDate{});
+    case PropertyType::Double:
+      return Value(0.0);
+    case PropertyType::String:
+      return Value(std::string());
+    case PropertyType::Integer:
+      return Value(std::int16_t{0});
+    case PropertyType::Date:
+      return Value(VbDate{});
   }
   return Value();
 }
 
 Value convertTo(PropertyType type, const Value& v) {
   switch (type) {
-    case PropertyType::Double: return Value(CDbl(v));
-    case PropertyType::String: return Value(CStr(v));
-    case PropertyType::Integer: return Value(CInt(v));
-    case PropertyType::Date: return Value(CDate(v));
+    case PropertyType::Double:
+      return Value(CDbl(v));
+    case PropertyType::String:
+      return Value(CStr(v));
+    case PropertyType::Integer:
+      return Value(CInt(v));
+    case PropertyType::Date:
+      return Value(CDate(v));
   }
   return v;
 }
@@ -36,11 +44,17 @@ NativeStore::NativeStore(const EntityClass& cls)
   for (std::size_t i = 0; i < cls.properties.size(); ++i) values_[i] = initialValue(cls.properties[i].type);
 }
 
-Value NativeStore::get(std::size_t index) { return values_[index]; }
+Value NativeStore::get(std::size_t index) {
+  return values_[index];
+}
 
-void NativeStore::put(std::size_t index, const Value& v) { values_[index] = v; }
+void NativeStore::put(std::size_t index, const Value& v) {
+  values_[index] = v;
+}
 
-const EntityClass& Entity::entityClass() const { return checkedStore().entityClass(); }
+const EntityClass& Entity::entityClass() const {
+  return checkedStore().entityClass();
+}
 
 EntityStore& Entity::checkedStore() const {
   if (!store_) throw VbError::of(vberr::kObjectNotSet);
@@ -65,13 +79,17 @@ void Entity::put(std::string_view property, const Value& v) {
   store.put(index, convertTo(store.entityClass().properties[index].type, v));
 }
 
-Value Entity::getAt(std::size_t index) const { return checkedStore().get(index); }
+Value Entity::getAt(std::size_t index) const {
+  return checkedStore().get(index);
+}
 
 void Entity::putAt(std::size_t index, const Value& v) {
   EntityStore& store = checkedStore();
   store.put(index, convertTo(store.entityClass().properties[index].type, v));
 }
 
-Entity newNativeEntity(const EntityClass& cls) { return Entity(std::make_shared<NativeStore>(cls)); }
+Entity newNativeEntity(const EntityClass& cls) {
+  return Entity(std::make_shared<NativeStore>(cls));
+}
 
 }  // namespace tovrand

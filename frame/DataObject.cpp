@@ -7,7 +7,9 @@
 
 namespace tovrand {
 
-DataObject::DataObject(std::shared_ptr<Host> host) : host_(std::move(host)) { dbConnection().OpenConnection(); }
+DataObject::DataObject(std::shared_ptr<Host> host) : host_(std::move(host)) {
+  dbConnection().OpenConnection();
+}
 
 DataObject::~DataObject() {
   // A destructor cannot raise; a failing CloseConnection leaves nothing the caller could act on.

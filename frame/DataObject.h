@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "entities/Collection.h"
@@ -10,11 +11,11 @@
 
 namespace tovrand {
 
-// How a handler ends a method: whether it drops m_Recordset first and which result it stores (none:
-// the result stays as the method left it).
+// How a handler ends a method: whether it sets m_Recordset to nothing and which result it stores
+// (none: the result stays as the method left it).
 struct HandlerOptions {
   bool dropRecordset = true;
-  std::optional<std::int16_t> result = 0;
+  std::optional<std::int16_t> result = std::nullopt;
 };
 
 // What every object of the four classes shares: its two members, m_DbConnection and m_Recordset,
@@ -34,7 +35,7 @@ class DataObject {
   // m_DbConnection, created on first use.
   DbConnection& dbConnection();
   // m_DbConnection.Connection: what every method passes as the active connection.
-  std::shared_ptr<Connection> connection() { return dbConnection().Connection(); }
+  ConnectionPtr connection() { return dbConnection().Connection(); }
   // m_Recordset, created on first use.
   Recordset& recordset();
   // Set m_Recordset = New ADODB.Recordset

@@ -6,12 +6,14 @@
 
 namespace tovrand {
 
+using ConnectionPtr = std::shared_ptr<Connection>;
+
 // Velmora's clsDbConnection: the holder of the database connection each object uses.
 class DbConnection {
  public:
   virtual ~DbConnection() = default;
   // The open connection; raises when OpenConnection has not succeeded.
-  virtual std::shared_ptr<Connection> Connection() = 0;
+  virtual ConnectionPtr Connection() = 0;
   // Raise a VbError when the connection cannot be opened.
   virtual void OpenConnection() = 0;
   virtual void CloseConnection() = 0;

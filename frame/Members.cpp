@@ -42,15 +42,21 @@ constexpr ParamInfo kChkAddRecord[] = {{"objColl", K::Collection, "clsEntBOrderi
                                        {"CustNo", K::String},
                                        {"CorderNo", K::String},
                                        {"LenInt", K::Integer}};
-constexpr ParamInfo kChkQureyDatabase[] = {{"SQLStr", K::String}, {"objColl", K::Collection, "clsEntBOrderh"}};
+constexpr ParamInfo kChkQureyDatabase[] = {{"SQLStr", K::String},
+                                           {"objColl", K::Collection, "clsEntBOrderh"}};
 constexpr ParamInfo kChkQuerySalerID[] = {{"Entity", K::Entity, "clsEntBOrderh"}};
 
 constexpr MemberInfo kPOrderChkMembers[] = {
-    {"QueryBOrderiBkQty", 0x60030002, kChkBOrderi}, {"JudgeExits", 0x60030003, kChkJudgeExits},
-    {"UpdateRecord", 0x60030004, kChkUpdateRecord}, {"QueryAll", 0x60030005, kChkQueryAll},
-    {"QueryProdNoView", 0x60030006, kChkEntity},    {"QueryMonthDate", 0x60030007, kChkColl},
-    {"QueryProdNo", 0x60030008, kChkColl},          {"AddRecord", 0x60030009, kChkAddRecord},
-    {"QureyDatabase", 0x6003000A, kChkQureyDatabase}, {"QuerySalerID", 0x6003000B, kChkQuerySalerID},
+    {"QueryBOrderiBkQty", 0x60030002, kChkBOrderi},
+    {"JudgeExits", 0x60030003, kChkJudgeExits},
+    {"UpdateRecord", 0x60030004, kChkUpdateRecord},
+    {"QueryAll", 0x60030005, kChkQueryAll},
+    {"QueryProdNoView", 0x60030006, kChkEntity},
+    {"QueryMonthDate", 0x60030007, kChkColl},
+    {"QueryProdNo", 0x60030008, kChkColl},
+    {"AddRecord", 0x60030009, kChkAddRecord},
+    {"QureyDatabase", 0x6003000A, kChkQureyDatabase},
+    {"QuerySalerID", 0x6003000B, kChkQuerySalerID},
 };
 
 // clsDataPMrph
@@ -73,10 +79,17 @@ constexpr ParamInfo kMrphColl[] = {{"objColl", K::Collection, "clsEntPMrph"}};
 constexpr ParamInfo kMrphQueryStatus[] = {{"Entity", K::Entity, "clsEntPOrder"}};
 constexpr ParamInfo kMrphAddRecord1[] = {{"Entity", K::Entity, "clsEntPMrph"},
                                          {"objCollD", K::Collection, "clsEntPMrpi"}};
-constexpr ParamInfo kMrphAccountData[] = {
-    {"Entity", K::Entity, "clsEntPMrph"}, {"C1", K::Double}, {"A", K::Double},  {"P", K::Double},
-    {"M", K::Double},                     {"K", K::Double},  {"S", K::Double},  {"SQ", K::Double},
-    {"AT", K::Double},                    {"BN", K::Double}, {"ATi", K::Double}};
+constexpr ParamInfo kMrphAccountData[] = {{"Entity", K::Entity, "clsEntPMrph"},
+                                          {"C1", K::Double},
+                                          {"A", K::Double},
+                                          {"P", K::Double},
+                                          {"M", K::Double},
+                                          {"K", K::Double},
+                                          {"S", K::Double},
+                                          {"SQ", K::Double},
+                                          {"AT", K::Double},
+                                          {"BN", K::Double},
+                                          {"ATi", K::Double}};
 
 constexpr MemberInfo kPMrphMembers[] = {
     {"QueryBOrderhRecordset", 0x60030002, kMrphQueryBOrderhRecordset},
@@ -97,7 +110,8 @@ constexpr MemberInfo kPMrphMembers[] = {
 };
 
 // clsDataPMrpi
-constexpr ParamInfo kMrpiQueryPMrpiStatus[] = {{"objColl", K::Collection, "clsEntPMrpi"}, {"ProdNo", K::Double}};
+constexpr ParamInfo kMrpiQueryPMrpiStatus[] = {{"objColl", K::Collection, "clsEntPMrpi"},
+                                               {"ProdNo", K::Double}};
 constexpr ParamInfo kMrpiEntity[] = {{"Entity", K::Entity, "clsEntPMrpi"}};
 constexpr ParamInfo kMrpiMrphEntity[] = {{"Entity", K::Entity, "clsEntPMrph"}};
 constexpr ParamInfo kMrpiQueryByID[] = {{"objEntPMrpi", K::Entity, "clsEntPMrpi"}};
@@ -118,9 +132,11 @@ constexpr ParamInfo kMrpiQueryItemNo[] = {{"objColl", K::Collection, "clsEntEBom
                                           {"GoodsNo", K::String, "", false},
                                           {"StrStatus", K::String, "", false}};
 constexpr ParamInfo kMrpiQueryEItemNo[] = {{"Entity", K::Entity, "clsEntEItem"}};
-constexpr ParamInfo kMrpiQueryItemNoRecord[] = {{"objColl", K::Collection, "clsEntPMrpi"}, {"ItemNo", K::String}};
+constexpr ParamInfo kMrpiQueryItemNoRecord[] = {{"objColl", K::Collection, "clsEntPMrpi"},
+                                                {"ItemNo", K::String}};
 constexpr ParamInfo kMrpiDeleteAll[] = {{"ProdNo", K::Double, "", false}};
-constexpr ParamInfo kMrpiGetProdNoItemNo[] = {{"objColl", K::Collection, "clsEntPMrph"}, {"ProdNo", K::String}};
+constexpr ParamInfo kMrpiGetProdNoItemNo[] = {{"objColl", K::Collection, "clsEntPMrph"},
+                                              {"ProdNo", K::String}};
 constexpr ParamInfo kMrpiGetProdNoItemNoByPMrpi[] = {{"objColl", K::Collection, "clsEntPMrpi"},
                                                      {"ProdNo", K::String}};
 constexpr ParamInfo kMrpiQueryAllNullRecord[] = {{"objColl", K::Collection, "clsEntPMrph"}};
@@ -151,10 +167,10 @@ constexpr std::array kClasses{
               "_clsDataPOrder", "{A1867ADC-20CE-4CAF-A3D8-8E09D0CFA521}", kPOrderMembers},
     ClassInfo{"clsDataPOrderChk", "Tovrand.clsDataPOrderChk", "{B36B9CE9-7F0A-4974-9E6A-92475F8B5DE1}",
               "_clsDataPOrderChk", "{BAA9A297-12F0-4323-AF74-08A5074AA44D}", kPOrderChkMembers},
-    ClassInfo{"clsDataPMrph", "Tovrand.clsDataPMrph", "{993A813C-9887-45E5-B2CB-69B88F7C7B5A}", "_clsDataPMrph",
-              "{EC97ADA0-E5EC-4409-ABCB-8AA13EDFB2BA}", kPMrphMembers},
-    ClassInfo{"clsDataPMrpi", "Tovrand.clsDataPMrpi", "{3698A517-264E-45AE-9330-2B0027550447}", "_clsDataPMrpi",
-              "{C142169A-5611-4E89-8D97-A48B6B10F632}", kPMrpiMembers},
+    ClassInfo{"clsDataPMrph", "Tovrand.clsDataPMrph", "{993A813C-9887-45E5-B2CB-69B88F7C7B5A}",
+              "_clsDataPMrph", "{EC97ADA0-E5EC-4409-ABCB-8AA13EDFB2BA}", kPMrphMembers},
+    ClassInfo{"clsDataPMrpi", "Tovrand.clsDataPMrpi", "{3698A517-264E-45AE-9330-2B0027550447}",
+              "_clsDataPMrpi", "{C142169A-5611-4E89-8D97-A48B6B10F632}", kPMrpiMembers},
 };
 
 }  // namespace
@@ -165,7 +181,9 @@ const MemberInfo* ClassInfo::find(std::string_view member) const {
   return nullptr;
 }
 
-std::span<const ClassInfo> componentClasses() { return kClasses; }
+std::span<const ClassInfo> componentClasses() {
+  return kClasses;
+}
 
 const ClassInfo* findComponentClass(std::string_view name) {
   for (const ClassInfo& c : kClasses)

@@ -21,8 +21,8 @@ enum class ReturnKind { Status, Variant };
 struct ParamInfo {
   std::string_view name;  // as in the interface
   ParamKind kind;
-  std::string_view entityClass;  // Entity: its class; Collection: the class of the elements it holds
-  bool byRef = true;             // VB passes ByRef unless the interface says ByVal
+  std::string_view entityClass = {};  // Entity: its class; Collection: the class of the elements it holds
+  bool byRef = true;                  // VB passes ByRef unless the interface says ByVal
 };
 
 struct MemberInfo {

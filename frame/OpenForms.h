@@ -22,7 +22,9 @@ void openStatement(Recordset& rs, const std::string& sql, const std::shared_ptr<
                    int cursorType, int lockType, int options);
 
 // No rows: both BOF and EOF.
-inline bool noRows(Recordset& rs) { return rs.BOF() && rs.EOF_(); }
+inline bool noRows(Recordset& rs) {
+  return rs.BOF() && rs.EOF_();
+}
 
 // A column read through its NULL default: IIf(IsNull(value), fallback, value). The caller converts
 // the result to the property's type (by assigning it to the property).

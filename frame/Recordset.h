@@ -80,7 +80,9 @@ class Recordset {
   virtual void Close() = 0;
 };
 
-inline Value FieldRef::value() const { return rs_.getField(name_); }
+inline Value FieldRef::value() const {
+  return rs_.getField(name_);
+}
 inline FieldRef& FieldRef::operator=(const Value& v) {
   rs_.setField(name_, v);
   return *this;

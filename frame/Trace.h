@@ -24,7 +24,9 @@ class TraceSink {
 
 class RecordingTraceSink final : public TraceSink {
  public:
-  void statement(std::string_view sql, StatementOrigin origin) override { statements_.push_back({std::string(sql), origin}); }
+  void statement(std::string_view sql, StatementOrigin origin) override {
+    statements_.push_back({std::string(sql), origin});
+  }
   const std::vector<TracedStatement>& statements() const { return statements_; }
   // The method's own statements only, in order.
   std::vector<std::string> methodStatements() const;

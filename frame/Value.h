@@ -2,6 +2,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -77,6 +78,9 @@ double CDbl(const Value& v);
 std::int16_t CInt(const Value& v);  // rounds half to even
 std::int32_t CLng(const Value& v);  // rounds half to even
 VbDate CDate(const Value& v);
+// The date a text names in the forms CDate reads ("yyyy-M-d", "yyyy/M/d", either followed by
+// "H:mm" or "H:mm:ss", or a time alone); nullopt for any other text or a date out of range.
+std::optional<VbDate> parseDateText(std::string_view text);
 bool CBool(const Value& v);
 
 // Val: the leading numeric part of a text (blanks, tabs and line feeds skipped anywhere; &H and &O

@@ -10,27 +10,41 @@ VbError::VbError(std::int32_t number, std::string description)
 
 VbError VbError::of(std::int32_t number) {
   switch (number) {
-    case vberr::kOverflow: return {number, "Overflow"};
-    case vberr::kSubscriptOutOfRange: return {number, "Subscript out of range"};
-    case vberr::kDivisionByZero: return {number, "Division by zero"};
-    case vberr::kTypeMismatch: return {number, "Type mismatch"};
-    case vberr::kObjectNotSet: return {number, "Object variable or With block variable not set"};
-    case vberr::kInvalidUseOfNull: return {number, "Invalid use of Null"};
-    case vberr::kObjectRequired: return {number, "Object required"};
+    case vberr::kInvalidProcedureCall:
+      return {number, "Invalid procedure call or argument"};
+    case vberr::kOverflow:
+      return {number, "Overflow"};
+    case vberr::kSubscriptOutOfRange:
+      return {number, "Subscript out of range"};
+    case vberr::kDivisionByZero:
+      return {number, "Division by zero"};
+    case vberr::kTypeMismatch:
+      return {number, "Type mismatch"};
+    case vberr::kObjectNotSet:
+      return {number, "Object variable or With block variable not set"};
+    case vberr::kInvalidUseOfNull:
+      return {number, "Invalid use of Null"};
+    case vberr::kObjectRequired:
+      return {number, "Object required"};
     case vberr::kNoCurrentRecord:
       return {number,
               "Either BOF or EOF is True, or the current record has been deleted. Requested operation "
               "requires a current record."};
     case vberr::kItemNotFound:
-      return {number, "Item cannot be found in the collection corresponding to the requested name or ordinal."};
+      return {number,
+              "Item cannot be found in the collection corresponding to the requested name or ordinal."};
     case vberr::kNotUpdatable:
       return {number,
               "Current Recordset does not support updating. This may be a limitation of the provider, or of "
               "the selected locktype."};
-    case vberr::kObjectClosed: return {number, "Operation is not allowed when the object is closed."};
-    case vberr::kObjectOpen: return {number, "Operation is not allowed when the object is open."};
-    case vberr::kMultipleStep: return {number, "Multiple-step operation generated errors. Check each status value."};
-    default: return {number, "Application-defined or object-defined error"};
+    case vberr::kObjectClosed:
+      return {number, "Operation is not allowed when the object is closed."};
+    case vberr::kObjectOpen:
+      return {number, "Operation is not allowed when the object is open."};
+    case vberr::kMultipleStep:
+      return {number, "Multiple-step operation generated errors. Check each status value."};
+    default:
+      return {number, "Application-defined or object-defined error"};
   }
 }
 

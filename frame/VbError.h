@@ -25,6 +25,7 @@ class VbError : public std::runtime_error {
 
 namespace vberr {
 // VB run-time errors
+inline constexpr std::int32_t kInvalidProcedureCall = 5;
 inline constexpr std::int32_t kOverflow = 6;
 inline constexpr std::int32_t kSubscriptOutOfRange = 9;
 inline constexpr std::int32_t kDivisionByZero = 11;
@@ -39,7 +40,7 @@ inline constexpr std::int32_t kNotUpdatable = 3251;
 inline constexpr std::int32_t kObjectClosed = 3704;
 inline constexpr std::int32_t kObjectOpen = 3705;
 // Provider errors reach Err.Number as the whole HRESULT read as a signed 32-bit number
-inline constexpr std::int32_t kMultipleStep = -2147217887;  // 0x80040E21
+inline constexpr std::int32_t kMultipleStep = -2147217887;   // 0x80040E21
 inline constexpr std::int32_t kProviderError = -2147467259;  // 0x80004005
 }  // namespace vberr
 
