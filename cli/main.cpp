@@ -1,1 +1,5 @@
-int main() { return 0; }
+#include "cli/Commands.h"
+
+int main(int argc, char** argv) {
+  return tovrand::cli::commandMain(argc, argv);
+}
