@@ -103,42 +103,14 @@ std::int16_t clsDataPOrder::GetALLChkList(Collection& collAllchklist) {
 }
 
 std::int16_t clsDataPOrder::QueryItem(clsEntPOrder& Entity) {
-  std::int16_t result = 0;
-  try {
-    std::string sql = "select * from t_porder where F_ProdNo ='" + CStr(Entity.F_ProdNo()) + "'";
-    Recordset& rs = recordset();
-    openRead(rs, sql, connection());
-    if (noRows(rs)) {
-      result = 0;
-    } else {
-      readPOrderRow(rs, Entity);
-      result = 1;
-    }
-    rs.Close();
-  } catch (...) {
-    queryHandler(result, {.dropRecordset = true});
-  }
-  return result;
+  return readOneOrder(
+      Entity, [&] { return "select * from t_porder where F_ProdNo ='" + CStr(Entity.F_ProdNo()) + "'"; });
 }
 
 std::int16_t clsDataPOrder::CheckCustProdNo(clsEntPOrder& Entity, const std::string& CustNo, double ProNo) {
-  std::int16_t result = 0;
-  try {
-    std::string sql =
-        "select * from t_porder where F_CustNo ='" + CustNo + "' and F_ProdNo='" + CStr(ProNo) + "'";
-    Recordset& rs = recordset();
-    openRead(rs, sql, connection());
-    if (noRows(rs)) {
-      result = 0;
-    } else {
-      readPOrderRow(rs, Entity);
-      result = 1;
-    }
-    rs.Close();
-  } catch (...) {
-    queryHandler(result, {.dropRecordset = true});
-  }
-  return result;
+  return readOneOrder(Entity, [&] {
+    return "select * from t_porder where F_CustNo ='" + CustNo + "' and F_ProdNo='" + CStr(ProNo) + "'";
+  });
 }
 
 std::int16_t clsDataPOrder::AddRecord(clsEntPOrder& Entity) {
@@ -254,6 +226,25 @@ std::int16_t clsDataPOrder::QueryAllProdNo(std::vector<double>& dblProdNo) {
       // Strictly later: the period start's own month is not returned.
       if (CDate(periodStart) < CDate(prodMonth)) dblProdNo.push_back(CDbl(fieldOr(rs, "F_ProdNo", 0)));
       rs.MoveNext();
+      result = 1;
+    }
+    rs.Close();
+  } catch (...) {
+    queryHandler(result, {.dropRecordset = true});
+  }
+  return result;
+}
+
+std::int16_t clsDataPOrder::readOneOrder(clsEntPOrder& Entity, const std::function<std::string()>& buildSql) {
+  std::int16_t result = 0;
+  try {
+    std::string sql = buildSql();
+    Recordset& rs = recordset();
+    openRead(rs, sql, connection());
+    if (noRows(rs)) {
+      result = 0;
+    } else {
+      readPOrderRow(rs, Entity);
       result = 1;
     }
     rs.Close();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,6 +25,10 @@ class clsDataPOrder : public DataObject {
   std::int16_t UpdateRecord(clsEntPOrder& Entity);
   std::int16_t UpdateOrderOutNo(clsEntPOrder& Entity);
   std::int16_t QueryAllProdNo(std::vector<double>& dblProdNo);
+
+ private:
+  // QueryItem and CheckCustProdNo: the same single-row read, each with its own condition.
+  std::int16_t readOneOrder(clsEntPOrder& Entity, const std::function<std::string()>& buildSql);
 };
 
 }  // namespace tovrand
