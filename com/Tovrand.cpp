@@ -1,0 +1,451 @@
+// Tovrand.dll: the four creatable classes as dual COM objects, their class factories and the four
+// exports of an in-process server.
+
+#include <windows.h>
+
+#include <oaidl.h>
+#include <ocidl.h>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "Tovrand_h.h"
+#include "com/ComHost.h"
+#include "com/ComSupport.h"
+#include "com/ComponentDispatch.h"
+#include "component/Component.h"
+
+namespace tovrand::com {
+
+namespace {
+
+// The VARIANTARG for one argument of an early-bound call, pointing at the caller's own storage.
+VARIANTARG argOf(IDispatch** p) {
+  VARIANTARG v{};
+  v.vt = VT_BYREF | VT_DISPATCH;
+  v.ppdispVal = p;
+  return v;
+}
+VARIANTARG argOf(BSTR* p) {
+  VARIANTARG v{};
+  v.vt = VT_BYREF | VT_BSTR;
+  v.pbstrVal = p;
+  return v;
+}
+VARIANTARG argOf(BSTR p) {
+  VARIANTARG v{};
+  v.vt = VT_BSTR;
+  v.bstrVal = p;
+  return v;
+}
+// DATE is a double: the member table tells a date from a double afterwards.
+VARIANTARG argOf(double* p) {
+  VARIANTARG v{};
+  v.vt = VT_BYREF | VT_R8;
+  v.pdblVal = p;
+  return v;
+}
+VARIANTARG argOf(double p) {
+  VARIANTARG v{};
+  v.vt = VT_R8;
+  v.dblVal = p;
+  return v;
+}
+VARIANTARG argOf(short* p) {
+  VARIANTARG v{};
+  v.vt = VT_BYREF | VT_I2;
+  v.piVal = p;
+  return v;
+}
+VARIANTARG argOf(SAFEARRAY** p) {
+  VARIANTARG v{};
+  v.vt = VT_BYREF | VT_ARRAY | VT_R8;
+  v.pparray = p;
+  return v;
+}
+
+void storeResult(VARIANT& answer, short* out) {
+  if (out) *out = answer.vt == VT_I2 ? answer.iVal : 0;
+}
+void storeResult(VARIANT& answer, VARIANT* out) {
+  if (!out) return;
+  *out = answer;
+  VariantInit(&answer);
+}
+
+// One object of a class: IUnknown, the dual interface (IDispatch and the early-bound methods, both
+// going through the same ComponentDispatch), ISupportErrorInfo and IProvideClassInfo.
+template <class Iface>
+class ComponentObject : public Iface, public ISupportErrorInfo, public IProvideClassInfo {
+ public:
+  ComponentObject(const ClassInfo& cls, std::unique_ptr<DispatchObject> object)
+      : dispatch_(cls, std::move(object)) {
+    Module::objectCreated();
+  }
+  virtual ~ComponentObject() { Module::objectDestroyed(); }
+  ComponentObject(const ComponentObject&) = delete;
+  ComponentObject& operator=(const ComponentObject&) = delete;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** out) override {
+    if (!out) return E_POINTER;
+    *out = nullptr;
+    if (riid == IID_IUnknown || riid == IID_IDispatch || riid == dispatch_.iid())
+      *out = static_cast<Iface*>(this);
+    else if (riid == IID_ISupportErrorInfo)
+      *out = static_cast<ISupportErrorInfo*>(this);
+    else if (riid == IID_IProvideClassInfo)
+      *out = static_cast<IProvideClassInfo*>(this);
+    else
+      return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    ULONG n = --refs_;
+    // A COM object ends its own life on the last Release (this closes the connection holder).
+    if (n == 0) delete this;
+    return n;
+  }
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    if (!count) return E_POINTER;
+    *count = dispatch_.typeInfo() ? 1 : 0;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID, ITypeInfo** out) override {
+    if (!out) return E_POINTER;
+    *out = nullptr;
+    if (index != 0 || !dispatch_.typeInfo()) return DISP_E_BADINDEX;
+    *out = dispatch_.typeInfo();
+    (*out)->AddRef();
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+    return dispatch_.getIDsOfNames(names, count, ids);
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID dispid, REFIID riid, LCID, WORD flags, DISPPARAMS* params,
+                                   VARIANT* result, EXCEPINFO* excep, UINT* argErr) override {
+    if (riid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+    return dispatch_.invoke(dispid, flags, params, result, excep, argErr);
+  }
+
+  HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
+    return riid == dispatch_.iid() ? S_OK : S_FALSE;
+  }
+  HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** out) override {
+    if (!out) return E_POINTER;
+    ComRef<ITypeInfo> info = moduleTypeInfo(dispatch_.clsid());
+    *out = info.detach();
+    return *out ? S_OK : TYPE_E_ELEMENTNOTFOUND;
+  }
+
+ protected:
+  // An early-bound call: the arguments become by-reference VARIANTs over the caller's storage and
+  // take the late-bound path; a failure comes back as the HRESULT with the error object set.
+  template <class R, class... A>
+  HRESULT forward(const char* name, R* result, A... args) {
+    const MemberInfo* member = dispatch_.classInfo().find(name);
+    if (!member) return E_NOTIMPL;
+    constexpr std::size_t n = sizeof...(A);
+    std::array<VARIANTARG, n + 1> vars{argOf(args)..., VARIANTARG{}};
+    std::array<VARIANTARG*, n + 1> ordered{};
+    std::array<UINT, n + 1> index{};
+    for (std::size_t i = 0; i < n; ++i) {
+      if (member->params[i].kind == ParamKind::Date) vars[i].vt = (vars[i].vt & VT_BYREF) | VT_DATE;
+      ordered[i] = &vars[i];
+      index[i] = static_cast<UINT>(i);
+    }
+    Variant answer;
+    EXCEPINFO excep{};
+    UINT argErr = 0;
+    HRESULT hr = dispatch_.call(*member, ordered.data(), index.data(), answer.get(), &excep, &argErr);
+    if (hr == DISP_E_EXCEPTION) {
+      hr = excep.scode;
+      reportError(hr, fromBstr(excep.bstrDescription), dispatch_.iid(), fromBstr(excep.bstrSource));
+      SysFreeString(excep.bstrDescription);
+      SysFreeString(excep.bstrSource);
+      SysFreeString(excep.bstrHelpFile);
+      return hr;
+    }
+    if (FAILED(hr)) return hr;
+    storeResult(*answer.get(), result);
+    return S_OK;
+  }
+
+ private:
+  std::atomic<ULONG> refs_{1};
+  ComponentDispatch dispatch_;
+};
+
+class POrderObject final : public ComponentObject<_clsDataPOrder> {
+ public:
+  using ComponentObject::ComponentObject;
+
+  HRESULT STDMETHODCALLTYPE QueryByStrSql(IDispatch** colPOrder, BSTR* strSql, short* Result) override {
+    return forward("QueryByStrSql", Result, colPOrder, strSql);
+  }
+  HRESULT STDMETHODCALLTYPE GetALLChkList(IDispatch** collAllchklist, short* Result) override {
+    return forward("GetALLChkList", Result, collAllchklist);
+  }
+  HRESULT STDMETHODCALLTYPE QueryItem(IDispatch** Entity, short* Result) override {
+    return forward("QueryItem", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE CheckCustProdNo(IDispatch** Entity, BSTR* CustNo, double* ProNo,
+                                            short* Result) override {
+    return forward("CheckCustProdNo", Result, Entity, CustNo, ProNo);
+  }
+  HRESULT STDMETHODCALLTYPE AddRecord(IDispatch** Entity, short* Result) override {
+    return forward("AddRecord", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE UpdateRecord(IDispatch** Entity, short* Result) override {
+    return forward("UpdateRecord", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE UpdateOrderOutNo(IDispatch** Entity, short* Result) override {
+    return forward("UpdateOrderOutNo", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE QueryAllProdNo(SAFEARRAY** dblProdNo, short* Result) override {
+    return forward("QueryAllProdNo", Result, dblProdNo);
+  }
+};
+
+class POrderChkObject final : public ComponentObject<_clsDataPOrderChk> {
+ public:
+  using ComponentObject::ComponentObject;
+
+  HRESULT STDMETHODCALLTYPE QueryBOrderiBkQty(IDispatch** Entity, short* Result) override {
+    return forward("QueryBOrderiBkQty", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE JudgeExits(BSTR* GoodsNo, short* Result) override {
+    return forward("JudgeExits", Result, GoodsNo);
+  }
+  HRESULT STDMETHODCALLTYPE UpdateRecord(IDispatch** Entity, BSTR* stypeName, short* Result) override {
+    return forward("UpdateRecord", Result, Entity, stypeName);
+  }
+  HRESULT STDMETHODCALLTYPE QueryAll(IDispatch** Entity, double* ProdNo, short* Result) override {
+    return forward("QueryAll", Result, Entity, ProdNo);
+  }
+  HRESULT STDMETHODCALLTYPE QueryProdNoView(IDispatch** Entity, short* Result) override {
+    return forward("QueryProdNoView", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE QueryMonthDate(IDispatch** objColl, short* Result) override {
+    return forward("QueryMonthDate", Result, objColl);
+  }
+  HRESULT STDMETHODCALLTYPE QueryProdNo(IDispatch** objColl, short* Result) override {
+    return forward("QueryProdNo", Result, objColl);
+  }
+  HRESULT STDMETHODCALLTYPE AddRecord(IDispatch** objColl, BSTR* OrderNo, BSTR* CustNo, BSTR* CorderNo,
+                                      short* LenInt, short* Result) override {
+    return forward("AddRecord", Result, objColl, OrderNo, CustNo, CorderNo, LenInt);
+  }
+  HRESULT STDMETHODCALLTYPE QureyDatabase(BSTR* SQLStr, IDispatch** objColl, short* Result) override {
+    return forward("QureyDatabase", Result, SQLStr, objColl);
+  }
+  HRESULT STDMETHODCALLTYPE QuerySalerID(IDispatch** Entity, short* Result) override {
+    return forward("QuerySalerID", Result, Entity);
+  }
+};
+
+class PMrphObject final : public ComponentObject<_clsDataPMrph> {
+ public:
+  using ComponentObject::ComponentObject;
+
+  HRESULT STDMETHODCALLTYPE QueryBOrderhRecordset(IDispatch** Entity, double* ProdNo,
+                                                  short* Result) override {
+    return forward("QueryBOrderhRecordset", Result, Entity, ProdNo);
+  }
+  HRESULT STDMETHODCALLTYPE QueryPMrphRecordset(IDispatch** objColl, BSTR* SQLStr, short* Result) override {
+    return forward("QueryPMrphRecordset", Result, objColl, SQLStr);
+  }
+  HRESULT STDMETHODCALLTYPE QueryPMrphStatus(IDispatch** Entity, short* Result) override {
+    return forward("QueryPMrphStatus", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE QueryByItemNo(IDispatch** objEntPMrph, short* Result) override {
+    return forward("QueryByItemNo", Result, objEntPMrph);
+  }
+  HRESULT STDMETHODCALLTYPE UpdateRecord(IDispatch** Entity, short* Result) override {
+    return forward("UpdateRecord", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE QueryByIDForPur(IDispatch** colPMrph, double* dblStart, double* dblEnd,
+                                            short* intCnt, BSTR* strItemNo, short* Result) override {
+    return forward("QueryByIDForPur", Result, colPMrph, dblStart, dblEnd, intCnt, strItemNo);
+  }
+  HRESULT STDMETHODCALLTYPE QueryByDeliverDate(IDispatch** colPMrph, DATE* datStart, DATE* datEnd,
+                                               short* intCnt, short* Result) override {
+    return forward("QueryByDeliverDate", Result, colPMrph, datStart, datEnd, intCnt);
+  }
+  HRESULT STDMETHODCALLTYPE QueryMonthDate(IDispatch** objColl, short* Result) override {
+    return forward("QueryMonthDate", Result, objColl);
+  }
+  HRESULT STDMETHODCALLTYPE QueryProdNo(IDispatch** objColl, short* Result) override {
+    return forward("QueryProdNo", Result, objColl);
+  }
+  HRESULT STDMETHODCALLTYPE QueryStatus(IDispatch** Entity, short* Result) override {
+    return forward("QueryStatus", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE QueryProdNoRecord(IDispatch** Entity, short* Result) override {
+    return forward("QueryProdNoRecord", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE AddRecord1(IDispatch** Entity, IDispatch** objCollD, short* Result) override {
+    return forward("AddRecord1", Result, Entity, objCollD);
+  }
+  HRESULT STDMETHODCALLTYPE AddRecord(IDispatch** Entity, short* Result) override {
+    return forward("AddRecord", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE AccountData(IDispatch** Entity, double* C1, double* A, double* P, double* M,
+                                        double* K, double* S, double* SQ, double* AT, double* BN, double* ATi,
+                                        short* Result) override {
+    return forward("AccountData", Result, Entity, C1, A, P, M, K, S, SQ, AT, BN, ATi);
+  }
+};
+
+class PMrpiObject final : public ComponentObject<_clsDataPMrpi> {
+ public:
+  using ComponentObject::ComponentObject;
+
+  HRESULT STDMETHODCALLTYPE QueryPMrpiStatus(IDispatch** objColl, double* ProdNo, short* Result) override {
+    return forward("QueryPMrpiStatus", Result, objColl, ProdNo);
+  }
+  HRESULT STDMETHODCALLTYPE UpdatePMrpiStatus(IDispatch** Entity, short* Result) override {
+    return forward("UpdatePMrpiStatus", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE UpdatePMrphStatus(IDispatch** Entity, short* Result) override {
+    return forward("UpdatePMrphStatus", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE UpdateRecord(IDispatch** Entity, short* Result) override {
+    return forward("UpdateRecord", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE QueryByID(IDispatch** objEntPMrpi, short* Result) override {
+    return forward("QueryByID", Result, objEntPMrpi);
+  }
+  HRESULT STDMETHODCALLTYPE QueryByIDForPur(IDispatch** colPMrpi, double* dblStart, double* dblEnd,
+                                            short* intCnt, BSTR* strItemNo, short* Result) override {
+    return forward("QueryByIDForPur", Result, colPMrpi, dblStart, dblEnd, intCnt, strItemNo);
+  }
+  HRESULT STDMETHODCALLTYPE QueryByDeliverDate(IDispatch** colPMrpi, DATE* datStart, DATE* datEnd,
+                                               short* intCnt, short* Result) override {
+    return forward("QueryByDeliverDate", Result, colPMrpi, datStart, datEnd, intCnt);
+  }
+  HRESULT STDMETHODCALLTYPE GetRecordByCondition(IDispatch** entity1, IDispatch** entity2,
+                                                 short* Result) override {
+    return forward("GetRecordByCondition", Result, entity1, entity2);
+  }
+  HRESULT STDMETHODCALLTYPE GetItemNoByProdNo(IDispatch** objCollPMrpi, IDispatch** Entity,
+                                              short* Result) override {
+    return forward("GetItemNoByProdNo", Result, objCollPMrpi, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE QueryItemNo(IDispatch** objColl, BSTR GoodsNo, BSTR StrStatus,
+                                        short* Result) override {
+    return forward("QueryItemNo", Result, objColl, GoodsNo, StrStatus);
+  }
+  HRESULT STDMETHODCALLTYPE QueryEItemNo(IDispatch** Entity, short* Result) override {
+    return forward("QueryEItemNo", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE QueryItemNoRecord(IDispatch** objColl, BSTR* ItemNo, short* Result) override {
+    return forward("QueryItemNoRecord", Result, objColl, ItemNo);
+  }
+  HRESULT STDMETHODCALLTYPE DeleteAllPMrpiRecord(double ProdNo, short* Result) override {
+    return forward("DeleteAllPMrpiRecord", Result, ProdNo);
+  }
+  HRESULT STDMETHODCALLTYPE AddRecord(IDispatch** Entity, short* Result) override {
+    return forward("AddRecord", Result, Entity);
+  }
+  HRESULT STDMETHODCALLTYPE getProdNoItemNo(IDispatch** objColl, BSTR* ProdNo, VARIANT* Result) override {
+    return forward("getProdNoItemNo", Result, objColl, ProdNo);
+  }
+  HRESULT STDMETHODCALLTYPE getProdNoItemNoByPMrpi(IDispatch** objColl, BSTR* ProdNo,
+                                                   VARIANT* Result) override {
+    return forward("getProdNoItemNoByPMrpi", Result, objColl, ProdNo);
+  }
+  HRESULT STDMETHODCALLTYPE QueryAllNullRecord(IDispatch** objColl, short* Result) override {
+    return forward("QueryAllNullRecord", Result, objColl);
+  }
+};
+
+template <class T>
+HRESULT createComponent(const ClassInfo& cls, REFIID riid, void** out) {
+  std::unique_ptr<DispatchObject> core;
+  try {
+    core = createObject(cls, std::make_shared<ComHost>());
+  } catch (...) {
+    // Creation fails with the connection holder's error, raised to the creator as VB raises it.
+    VbError e = toVbError(std::current_exception());
+    return reportError(hresultOf(e.number()), e.description(), guidOf(cls.iid),
+                       "Tovrand." + std::string(cls.name));
+  }
+  if (!core) return CLASS_E_CLASSNOTAVAILABLE;
+  try {
+    auto object = std::make_unique<T>(cls, std::move(core));
+    HRESULT hr = object->QueryInterface(riid, out);
+    // The object holds one reference from its construction; QueryInterface added the caller's.
+    object.release()->Release();
+    return hr;
+  } catch (const VbError& e) {
+    return reportError(hresultOf(e.number()), e.description(), GUID_NULL);
+  }
+}
+
+HRESULT createByClsid(const CLSID& clsid, REFIID riid, void** out) {
+  for (const ClassInfo& cls : componentClasses()) {
+    if (clsid != guidOf(cls.clsid)) continue;
+    auto create = [&cls](REFIID iid, void** object) -> HRESULT {
+      if (cls.name == "clsDataPOrder") return createComponent<POrderObject>(cls, iid, object);
+      if (cls.name == "clsDataPOrderChk") return createComponent<POrderChkObject>(cls, iid, object);
+      if (cls.name == "clsDataPMrph") return createComponent<PMrphObject>(cls, iid, object);
+      return createComponent<PMrpiObject>(cls, iid, object);
+    };
+    return makeFactory(create, riid, out);
+  }
+  return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+}  // namespace
+
+}  // namespace tovrand::com
+
+using namespace tovrand::com;
+
+extern "C" {
+
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
+  if (reason == DLL_PROCESS_ATTACH) {
+    Module::setHandle(instance);
+    DisableThreadLibraryCalls(instance);
+  }
+  return TRUE;
+}
+
+STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, LPVOID* out) {
+  if (!out) return E_POINTER;
+  *out = nullptr;
+  try {
+    return createByClsid(clsid, riid, out);
+  } catch (...) {
+    return E_UNEXPECTED;
+  }
+}
+
+STDAPI DllCanUnloadNow() {
+  return Module::canUnload() ? S_OK : S_FALSE;
+}
+
+namespace {
+// The registry entries of the four classes, from the member table.
+std::vector<ClassRegistration> registrations() {
+  std::vector<ClassRegistration> classes;
+  for (const tovrand::ClassInfo& cls : tovrand::componentClasses())
+    classes.push_back({cls.clsid, cls.progId, cls.progId});
+  return classes;
+}
+}  // namespace
+
+STDAPI DllRegisterServer() {
+  return registerServer(registrations());
+}
+
+STDAPI DllUnregisterServer() {
+  return unregisterServer(registrations());
+}
+
+}  // extern "C"
