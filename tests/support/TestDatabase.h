@@ -2,12 +2,15 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "frame/Host.h"
 #include "frame/MessageSink.h"
 #include "frame/Trace.h"
+#include "odbc/ConnectionSettings.h"
+#include "odbc/OdbcConnection.h"
 
 namespace tovrand::test {
 
@@ -21,7 +24,33 @@ class TestServer {
   // Runs SQL text (several statements allowed) through the mariadb client on `database`.
   void runSql(const std::string& database, const std::string& sql) const;
   std::string socketPath() const;
+
+  // The settings of the server's own database (user, password, host or socket).
+  const ConnectionSettings& settings() const { return settings_; }
+  // Statements on the server outside any test database (CREATE/DROP DATABASE), outside the trace.
+  void admin(const std::string& sql);
+  // The settings of the fixture connection of `database` (server_date pinned like the tests').
+  ConnectionSettings fixtureSettings(const std::string& database) const;
+  // A new unique database name for this program.
+  std::string uniqueDatabaseName();
+
+  TestServer(const TestServer&) = delete;
+  TestServer& operator=(const TestServer&) = delete;
+  ~TestServer();
+
+ private:
+  TestServer();
+  ConnectionSettings settings_;
+  std::string sandboxDir_;  // empty when TOVRAND_TEST_DSN names the server
+  std::shared_ptr<OdbcConnection> admin_;
+  int counter_ = 0;
 };
+
+// Seconds the last TestServer start took (0 when TOVRAND_TEST_DSN was used), for reports.
+double sandboxStartSeconds();
+
+// SQL text cut into its statements at the semicolons outside quotes and comments.
+std::vector<std::string> splitStatements(const std::string& sql);
 
 // A test with a fresh database loaded from schema/tovrand.sql, server_date pinned to
 // 2026-11-22 unless the test changes it, a recording message sink and a recorded statement trace.
@@ -40,6 +69,8 @@ class DatabaseTest : public ::testing::Test {
   std::string scalar(const std::string& sql) const;
   // Loads schema/sample.sql.
   void loadSample() const;
+  // The connection exec() and scalar() run on (never the component's shared one).
+  OdbcConnection& fixtureConnection() const;
 
   const std::string& database() const { return database_; }
   RecordingMessageSink& messages() { return *messages_; }
@@ -47,6 +78,7 @@ class DatabaseTest : public ::testing::Test {
 
  private:
   std::string database_;
+  std::shared_ptr<OdbcConnection> fixture_;  // the test's own connection for exec() and scalar()
   std::shared_ptr<RecordingMessageSink> messages_ = std::make_shared<RecordingMessageSink>();
   RecordingTraceSink trace_;
 };

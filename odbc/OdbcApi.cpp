@@ -1,0 +1,268 @@
+#include "odbc/OdbcApi.h"
+
+#include <cstdlib>
+
+#include "frame/Text.h"
+
+namespace tovrand::odbc {
+
+WideText::WideText(std::string_view utf8) : text_(toUtf16(utf8)) {}
+
+std::string fromWide(const SQLWCHAR* text, std::size_t length) {
+  return toUtf8(std::u16string_view(reinterpret_cast<const char16_t*>(text), length));
+}
+
+std::string fromWide(const SQLWCHAR* text) {
+  std::size_t length = 0;
+  while (text[length] != 0) ++length;
+  return fromWide(text, length);
+}
+
+void Handle::reset() {
+  if (handle_ != SQL_NULL_HANDLE) {
+    SQLFreeHandle(type_, handle_);
+    handle_ = SQL_NULL_HANDLE;
+  }
+}
+
+Diagnostic diagnosticOf(SQLSMALLINT handleType, SQLHANDLE handle) {
+  Diagnostic d;
+  if (handle == SQL_NULL_HANDLE) return d;
+  SQLWCHAR state[6] = {};
+  SQLINTEGER native = 0;
+  SQLSMALLINT length = 0;
+  std::u16string message(1024, u'\0');
+  SQLRETURN rc =
+      SQLGetDiagRecW(handleType, handle, 1, state, &native, reinterpret_cast<SQLWCHAR*>(message.data()),
+                     static_cast<SQLSMALLINT>(message.size()), &length);
+  if (rc == SQL_SUCCESS_WITH_INFO && static_cast<std::size_t>(length) >= message.size()) {
+    message.assign(static_cast<std::size_t>(length) + 1, u'\0');
+    rc = SQLGetDiagRecW(handleType, handle, 1, state, &native, reinterpret_cast<SQLWCHAR*>(message.data()),
+                        static_cast<SQLSMALLINT>(message.size()), &length);
+  }
+  if (!SQL_SUCCEEDED(rc)) return d;
+  d.sqlState = fromWide(state);
+  d.nativeError = native;
+  std::size_t used = std::min(static_cast<std::size_t>(length), message.size());
+  while (used > 0 && message[used - 1] == u'\0') --used;
+  d.message = stripDriverPrefixes(toUtf8(std::u16string_view(message.data(), used)));
+  return d;
+}
+
+std::string stripDriverPrefixes(std::string_view message) {
+  while (!message.empty() && message.front() == '[') {
+    std::size_t close = message.find(']');
+    if (close == std::string_view::npos) break;
+    message.remove_prefix(close + 1);
+  }
+  return std::string(message);
+}
+
+namespace {
+
+std::string blankOut(std::string text, std::string_view secret) {
+  if (secret.empty()) return text;
+  for (std::size_t at = text.find(secret); at != std::string::npos; at = text.find(secret, at + 3)) {
+    text.replace(at, secret.size(), "***");
+  }
+  return text;
+}
+
+}  // namespace
+
+VbError toVbError(const Diagnostic& diagnostic, std::string_view context, std::string_view secret) {
+  if (diagnostic.nativeError == 1406 || diagnostic.sqlState == "22001")
+    return VbError::of(vberr::kMultipleStep);
+  std::string text = diagnostic.message;
+  if (text.empty()) text = std::string(context) + " failed without a diagnostic from the ODBC driver";
+  return VbError(vberr::kProviderError, blankOut(std::move(text), secret));
+}
+
+void check(SQLRETURN rc, SQLSMALLINT handleType, SQLHANDLE handle, std::string_view context,
+           std::string_view secret) {
+  if (SQL_SUCCEEDED(rc) || rc == SQL_NO_DATA) return;
+  if (rc == SQL_INVALID_HANDLE) {
+    throw VbError(vberr::kProviderError, std::string(context) + " failed: invalid ODBC handle");
+  }
+  throw toVbError(diagnosticOf(handleType, handle), context, secret);
+}
+
+namespace {
+
+ColumnKind kindOf(SQLSMALLINT type, bool isUnsigned) {
+  switch (type) {
+    case SQL_DOUBLE:
+    case SQL_FLOAT:
+    case SQL_REAL:
+    case SQL_DECIMAL:
+    case SQL_NUMERIC:
+    case SQL_BIGINT:
+      return ColumnKind::Double;
+    case SQL_INTEGER:
+      return isUnsigned ? ColumnKind::Double : ColumnKind::Long;
+    case SQL_SMALLINT:
+    case SQL_TINYINT:
+    case SQL_BIT:
+      return ColumnKind::Long;
+    case SQL_TYPE_DATE:
+    case SQL_TYPE_TIME:
+    case SQL_TYPE_TIMESTAMP:
+    case SQL_DATE:
+    case SQL_TIME:
+    case SQL_TIMESTAMP:
+      return ColumnKind::Date;
+    case SQL_BINARY:
+    case SQL_VARBINARY:
+    case SQL_LONGVARBINARY:
+      return ColumnKind::Binary;
+    default:
+      return ColumnKind::Text;
+  }
+}
+
+std::string textAttribute(SQLHSTMT stmt, SQLUSMALLINT number, SQLUSMALLINT field) {
+  SQLWCHAR buffer[512] = {};
+  SQLSMALLINT length = 0;
+  SQLRETURN rc = SQLColAttributeW(stmt, number, field, buffer, sizeof buffer, &length, nullptr);
+  if (!SQL_SUCCEEDED(rc)) return {};
+  return fromWide(buffer);
+}
+
+// Reads a character or binary column in pieces until the driver has handed all of it.
+template <class Unit>
+std::basic_string<Unit> readPieces(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT cType, bool& isNull,
+                                   std::string_view secret) {
+  std::basic_string<Unit> out;
+  constexpr std::size_t kChunk = 2048;
+  Unit buffer[kChunk + 1];
+  isNull = false;
+  for (;;) {
+    SQLLEN indicator = 0;
+    SQLRETURN rc = SQLGetData(stmt, number, cType, buffer, sizeof buffer, &indicator);
+    if (rc == SQL_NO_DATA) break;
+    check(rc, SQL_HANDLE_STMT, stmt, "reading a column", secret);
+    if (indicator == SQL_NULL_DATA) {
+      isNull = true;
+      return out;
+    }
+    // Character data leaves room for the terminating NUL; binary data fills the buffer.
+    std::size_t capacity = cType == SQL_C_BINARY ? kChunk + 1 : kChunk;
+    std::size_t got = (indicator == SQL_NO_TOTAL || indicator < 0 ||
+                       static_cast<std::size_t>(indicator) / sizeof(Unit) > capacity)
+                          ? capacity
+                          : static_cast<std::size_t>(indicator) / sizeof(Unit);
+    out.append(buffer, got);
+    if (rc == SQL_SUCCESS) break;
+  }
+  return out;
+}
+
+int digitsAt(std::string_view text, std::size_t at, std::size_t count) {
+  int v = 0;
+  for (std::size_t i = at; i < at + count && i < text.size(); ++i) v = v * 10 + (text[i] - '0');
+  return v;
+}
+
+}  // namespace
+
+std::vector<ColumnInfo> describeColumns(SQLHSTMT stmt, std::string_view secret) {
+  SQLSMALLINT count = 0;
+  check(SQLNumResultCols(stmt, &count), SQL_HANDLE_STMT, stmt, "reading the result columns", secret);
+  std::vector<ColumnInfo> columns(static_cast<std::size_t>(count));
+  for (SQLSMALLINT i = 1; i <= count; ++i) {
+    ColumnInfo& c = columns[static_cast<std::size_t>(i - 1)];
+    SQLWCHAR name[512] = {};
+    SQLSMALLINT nameLength = 0, decimals = 0, nullable = 0;
+    check(SQLDescribeColW(stmt, static_cast<SQLUSMALLINT>(i), name, 512, &nameLength, &c.sqlType, &c.size,
+                          &decimals, &nullable),
+          SQL_HANDLE_STMT, stmt, "describing a result column", secret);
+    c.name = fromWide(name);
+    SQLLEN isUnsigned = SQL_FALSE;
+    SQLColAttributeW(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_UNSIGNED, nullptr, 0, nullptr, &isUnsigned);
+    c.isUnsigned = isUnsigned == SQL_TRUE;
+    c.kind = kindOf(c.sqlType, c.isUnsigned);
+    c.baseTable = textAttribute(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_BASE_TABLE_NAME);
+    c.baseColumn = textAttribute(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_BASE_COLUMN_NAME);
+    if (!c.baseTable.empty())
+      c.catalog = textAttribute(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_CATALOG_NAME);
+  }
+  return columns;
+}
+
+VbDate parseTemporal(std::string_view text) {
+  auto isDigit = [&](std::size_t i) { return i < text.size() && text[i] >= '0' && text[i] <= '9'; };
+  DateParts parts;
+  bool zeroDate = false;
+  std::size_t timeAt = std::string_view::npos;
+  if (text.size() >= 10 && text[4] == '-' && text[7] == '-') {
+    parts.year = digitsAt(text, 0, 4);
+    parts.month = digitsAt(text, 5, 2);
+    parts.day = digitsAt(text, 8, 2);
+    zeroDate = parts.year == 0 || parts.month == 0 || parts.day == 0;
+    if (text.size() > 11) timeAt = 11;
+  } else {
+    timeAt = 0;
+    zeroDate = true;
+  }
+  double seconds = 0;
+  if (timeAt != std::string_view::npos) {
+    bool negative = timeAt < text.size() && text[timeAt] == '-';
+    std::size_t i = timeAt + (negative ? 1 : 0);
+    int h = 0;
+    while (isDigit(i)) h = h * 10 + (text[i++] - '0');
+    int m = 0, s = 0;
+    if (i < text.size() && text[i] == ':') {
+      m = digitsAt(text, i + 1, 2);
+      i += 3;
+    }
+    if (i < text.size() && text[i] == ':') s = digitsAt(text, i + 1, 2);
+    seconds = (h * 3600.0 + m * 60.0 + s) * (negative ? -1 : 1);
+    if (!zeroDate) {
+      parts.hour = h;
+      parts.minute = m;
+      parts.second = s;
+    }
+  }
+  if (zeroDate) return VbDate{seconds / 86400.0};
+  try {
+    return makeDate(parts);
+  } catch (const VbError&) {
+    // Outside the years a VB date can hold (before 100): read as the zero date.
+    return VbDate{0.0};
+  }
+}
+
+Value readColumn(SQLHSTMT stmt, SQLUSMALLINT number, const ColumnInfo& column, std::string_view secret) {
+  SQLLEN indicator = 0;
+  switch (column.kind) {
+    case ColumnKind::Double: {
+      double v = 0;
+      check(SQLGetData(stmt, number, SQL_C_DOUBLE, &v, 0, &indicator), SQL_HANDLE_STMT, stmt,
+            "reading a column", secret);
+      return indicator == SQL_NULL_DATA ? Value::null() : Value(v);
+    }
+    case ColumnKind::Long: {
+      SQLINTEGER v = 0;
+      check(SQLGetData(stmt, number, SQL_C_SLONG, &v, 0, &indicator), SQL_HANDLE_STMT, stmt,
+            "reading a column", secret);
+      return indicator == SQL_NULL_DATA ? Value::null() : Value(static_cast<std::int32_t>(v));
+    }
+    case ColumnKind::Binary: {
+      bool isNull = false;
+      std::string bytes = readPieces<char>(stmt, number, SQL_C_BINARY, isNull, secret);
+      return isNull ? Value::null() : Value(std::move(bytes));
+    }
+    case ColumnKind::Date:
+    case ColumnKind::Text: {
+      bool isNull = false;
+      std::u16string text = readPieces<char16_t>(stmt, number, SQL_C_WCHAR, isNull, secret);
+      if (isNull) return Value::null();
+      std::string utf8 = toUtf8(text);
+      if (column.kind == ColumnKind::Date) return Value(parseTemporal(utf8));
+      return Value(std::move(utf8));
+    }
+  }
+  return Value::null();
+}
+
+}  // namespace tovrand::odbc

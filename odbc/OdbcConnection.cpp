@@ -1,0 +1,224 @@
+#include "odbc/OdbcConnection.h"
+
+#include <algorithm>
+#include <map>
+
+#include "frame/Text.h"
+#include "odbc/Lock.h"
+#include "odbc/OdbcApi.h"
+
+namespace tovrand {
+
+using odbc::check;
+using odbc::Handle;
+using odbc::WideText;
+
+namespace {
+
+// The process's ODBC environment, shared by every connection so that it outlives them all.
+std::shared_ptr<Handle> environment() {
+  static odbc::Mutex mutex;
+  static std::weak_ptr<Handle> current;
+  odbc::Guard lock(mutex);
+  if (auto env = current.lock()) return env;
+  SQLHANDLE h = SQL_NULL_HANDLE;
+  if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &h))) {
+    throw VbError(vberr::kProviderError, "the ODBC driver manager cannot allocate an environment");
+  }
+  auto env = std::make_shared<Handle>(SQL_HANDLE_ENV, h);
+  SQLSetEnvAttr(h, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(static_cast<SQLLEN>(SQL_OV_ODBC3)), 0);
+  current = env;
+  return env;
+}
+
+struct Registry {
+  odbc::Mutex mutex;
+  std::map<std::string, std::weak_ptr<OdbcConnection>> connections;
+};
+
+Registry& registry() {
+  static Registry r;
+  return r;
+}
+
+}  // namespace
+
+// The text messages must not show: the password, unless it is also a name the messages show anyway
+// (blanking it out of "Table 'tovrand.t' ..." would hide the names and protect nothing).
+std::string secretOf(const ConnectionSettings& s) {
+  const std::string& p = s.password;
+  if (p.empty()) return {};
+  for (const std::string* shown : {&s.user, &s.database, &s.host, &s.socket}) {
+    if (shown->find(p) != std::string::npos) return {};
+  }
+  return p;
+}
+
+struct OdbcConnection::Impl {
+  ConnectionSettings settings;
+  std::string secret;
+  std::shared_ptr<Handle> env;  // declared before dbc: freed after it
+  Handle dbc;
+  bool connected = false;
+  odbc::Mutex keysMutex;
+  std::map<std::string, std::vector<std::string>> primaryKeys;
+
+  ~Impl() {
+    if (connected) SQLDisconnect(dbc.get());
+  }
+
+  void run(std::string_view sql) {
+    SQLHANDLE h = SQL_NULL_HANDLE;
+    check(SQLAllocHandle(SQL_HANDLE_STMT, dbc.get(), &h), SQL_HANDLE_DBC, dbc.get(), "allocating a statement",
+          secret);
+    Handle stmt(SQL_HANDLE_STMT, h);
+    WideText text(sql);
+    check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a statement", secret);
+    for (;;) {
+      SQLRETURN rc = SQLMoreResults(h);
+      if (rc == SQL_NO_DATA) break;
+      check(rc, SQL_HANDLE_STMT, h, "running a statement", secret);
+    }
+  }
+
+  std::optional<Value> firstValue(std::string_view sql, bool asText = false) {
+    SQLHANDLE h = SQL_NULL_HANDLE;
+    check(SQLAllocHandle(SQL_HANDLE_STMT, dbc.get(), &h), SQL_HANDLE_DBC, dbc.get(), "allocating a statement",
+          secret);
+    Handle stmt(SQL_HANDLE_STMT, h);
+    WideText text(sql);
+    check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a query", secret);
+    std::vector<odbc::ColumnInfo> columns = odbc::describeColumns(h, secret);
+    if (columns.empty()) return std::nullopt;
+    if (asText) columns[0].kind = odbc::ColumnKind::Text;
+    SQLRETURN rc = SQLFetch(h);
+    if (rc == SQL_NO_DATA) return std::nullopt;
+    check(rc, SQL_HANDLE_STMT, h, "fetching a row", secret);
+    return odbc::readColumn(h, 1, columns[0], secret);
+  }
+};
+
+OdbcConnection::OdbcConnection(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+OdbcConnection::~OdbcConnection() = default;
+
+std::shared_ptr<OdbcConnection> OdbcConnection::connect(const ConnectionSettings& settings) {
+  auto impl = std::make_unique<Impl>();
+  impl->settings = settings;
+  impl->secret = secretOf(settings);
+  impl->env = environment();
+  const std::string& secret = impl->secret;
+  SQLHANDLE h = SQL_NULL_HANDLE;
+  check(SQLAllocHandle(SQL_HANDLE_DBC, impl->env->get(), &h), SQL_HANDLE_ENV, impl->env->get(),
+        "allocating a connection", secret);
+  impl->dbc = Handle(SQL_HANDLE_DBC, h);
+  SQLSetConnectAttrW(h, SQL_ATTR_LOGIN_TIMEOUT, reinterpret_cast<SQLPOINTER>(static_cast<SQLLEN>(5)), 0);
+  SQLSetConnectAttrW(h, SQL_ATTR_AUTOCOMMIT,
+                     reinterpret_cast<SQLPOINTER>(static_cast<SQLLEN>(SQL_AUTOCOMMIT_ON)), 0);
+
+  WideText connectionString(settings.odbcConnectionString());
+  SQLRETURN rc = SQLDriverConnectW(h, nullptr, connectionString.get(), connectionString.length(), nullptr, 0,
+                                   nullptr, SQL_DRIVER_NOPROMPT);
+  if (!SQL_SUCCEEDED(rc)) {
+    VbError e = odbc::toVbError(odbc::diagnosticOf(SQL_HANDLE_DBC, h), "connecting", secret);
+    throw VbError(vberr::kProviderError,
+                  "cannot connect to the database " + settings.redacted() + ": " + e.description());
+  }
+  impl->connected = true;
+
+  // The component writes table names in mixed case (t_porder, T_POrder); a case-sensitive server
+  // would silently address tables that do not exist.
+  std::optional<Value> lowerCase = impl->firstValue("select @@lower_case_table_names");
+  if (lowerCase && !lowerCase->isNull() && CStr(*lowerCase) == "0") {
+    throw VbError(
+        vberr::kProviderError,
+        "the server runs with lower_case_table_names=0; Tovrand needs lower_case_table_names=1 (table "
+        "names are written in mixed case, as on a Windows server): start the server with "
+        "--lower-case-table-names=1");
+  }
+  if (!settings.serverDate.empty()) {
+    impl->run("SET timestamp = UNIX_TIMESTAMP('" + settings.serverDate + " 12:00:00')");
+  }
+  return std::shared_ptr<OdbcConnection>(new OdbcConnection(std::move(impl)));
+}
+
+std::shared_ptr<OdbcConnection> OdbcConnection::acquire(const ConnectionSettings& settings) {
+  Registry& r = registry();
+  std::string key = settings.connectionKey();
+  odbc::Guard lock(r.mutex);
+  for (auto it = r.connections.begin(); it != r.connections.end();) {
+    it = it->second.expired() ? r.connections.erase(it) : std::next(it);
+  }
+  if (auto it = r.connections.find(key); it != r.connections.end()) {
+    if (auto existing = it->second.lock()) return existing;
+  }
+  auto created = connect(settings);
+  r.connections[key] = created;
+  return created;
+}
+
+std::shared_ptr<OdbcConnection> OdbcConnection::openPrivate(const ConnectionSettings& settings) {
+  return connect(settings);
+}
+
+std::size_t OdbcConnection::sharedCount() {
+  Registry& r = registry();
+  odbc::Guard lock(r.mutex);
+  std::size_t n = 0;
+  for (auto& [key, weak] : r.connections) n += weak.expired() ? 0 : 1;
+  return n;
+}
+
+const ConnectionSettings& OdbcConnection::settings() const {
+  return impl_->settings;
+}
+void OdbcConnection::execute(std::string_view sql) {
+  impl_->run(sql);
+}
+std::optional<Value> OdbcConnection::scalar(std::string_view sql, bool asText) {
+  return impl_->firstValue(sql, asText);
+}
+void* OdbcConnection::nativeHandle() const {
+  return impl_->dbc.get();
+}
+const std::string& OdbcConnection::secret() const {
+  return impl_->secret;
+}
+
+std::vector<std::string> OdbcConnection::primaryKey(const std::string& catalog, const std::string& table) {
+  std::string key = toLowerAscii(catalog) + "." + toLowerAscii(table);
+  {
+    odbc::Guard lock(impl_->keysMutex);
+    if (auto it = impl_->primaryKeys.find(key); it != impl_->primaryKeys.end()) return it->second;
+  }
+  const std::string& secret = impl_->secret;
+  SQLHANDLE h = SQL_NULL_HANDLE;
+  check(SQLAllocHandle(SQL_HANDLE_STMT, impl_->dbc.get(), &h), SQL_HANDLE_DBC, impl_->dbc.get(),
+        "allocating a statement", secret);
+  Handle stmt(SQL_HANDLE_STMT, h);
+  WideText cat(catalog), tab(table);
+  check(SQLPrimaryKeysW(h, catalog.empty() ? nullptr : cat.get(), catalog.empty() ? 0 : SQL_NTS, nullptr, 0,
+                        tab.get(), SQL_NTS),
+        SQL_HANDLE_STMT, h, "reading the primary key", secret);
+  std::vector<std::pair<int, std::string>> columns;
+  for (;;) {
+    SQLRETURN rc = SQLFetch(h);
+    if (rc == SQL_NO_DATA) break;
+    check(rc, SQL_HANDLE_STMT, h, "reading the primary key", secret);
+    SQLWCHAR name[256] = {};
+    SQLLEN indicator = 0;
+    SQLSMALLINT sequence = 0;
+    check(SQLGetData(h, 4, SQL_C_WCHAR, name, sizeof name, &indicator), SQL_HANDLE_STMT, h,
+          "reading the primary key", secret);
+    check(SQLGetData(h, 5, SQL_C_SSHORT, &sequence, 0, &indicator), SQL_HANDLE_STMT, h,
+          "reading the primary key", secret);
+    columns.emplace_back(sequence, odbc::fromWide(name));
+  }
+  std::sort(columns.begin(), columns.end());
+  std::vector<std::string> names;
+  for (auto& [sequence, name] : columns) names.push_back(name);
+  odbc::Guard lock(impl_->keysMutex);
+  impl_->primaryKeys[key] = names;
+  return names;
+}
+
+}  // namespace tovrand

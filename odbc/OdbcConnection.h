@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/Recordset.h"
+#include "frame/Value.h"
+#include "odbc/ConnectionSettings.h"
+
+namespace tovrand {
+
+// One physical ODBC connection (wide functions only, autocommit, utf8mb4). On connect it refuses a
+// server that runs with lower_case_table_names=0 and, when the settings carry server_date, pins the
+// session's timestamp to noon of that date so that curdate() answers it.
+//
+// acquire() shares one connection per connection string per process: every holder of the same
+// settings gets the same object, and the physical connection ends when the last reference goes (the
+// holders' and the recordsets' that still run on it).
+class OdbcConnection final : public Connection {
+ public:
+  // The process's shared connection for the settings, opened on first use. Thread-safe.
+  static std::shared_ptr<OdbcConnection> acquire(const ConnectionSettings& settings);
+  // A connection of its own, never shared (fixtures, tools).
+  static std::shared_ptr<OdbcConnection> openPrivate(const ConnectionSettings& settings);
+  // How many shared connections are open in this process.
+  static std::size_t sharedCount();
+
+  ~OdbcConnection() override;
+  OdbcConnection(const OdbcConnection&) = delete;
+  OdbcConnection& operator=(const OdbcConnection&) = delete;
+
+  const ConnectionSettings& settings() const;
+
+  // Runs a statement outside the trace (the engine's own housekeeping, fixtures). On a connection
+  // whose settings turn client multi-statements on, every result of the text is consumed and the first
+  // failing statement raises.
+  void execute(std::string_view sql);
+  // The first column of the first row of a query run outside the trace; nullopt when there is no row.
+  // `asText`: the value as the server's text (String), else as a recordset reads it.
+  std::optional<Value> scalar(std::string_view sql, bool asText = false);
+
+  // For the engine: the SQLHDBC, and the primary-key columns of a base table (cached per table).
+  void* nativeHandle() const;
+  std::vector<std::string> primaryKey(const std::string& catalog, const std::string& table);
+  // The text no message may show (the password).
+  const std::string& secret() const;
+
+ private:
+  struct Impl;
+  explicit OdbcConnection(std::unique_ptr<Impl> impl);
+  static std::shared_ptr<OdbcConnection> connect(const ConnectionSettings& settings);
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace tovrand

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "frame/Recordset.h"
+
+namespace tovrand {
+
+// ADO's Recordset over ODBC.
+//
+// Read form (lock read-only): the text is run at Open and the first row fetched.
+// Updatable (lock pessimistic, optimistic or batch optimistic): the text is prepared at Open, which
+// gives the columns' base tables, base columns, types and lengths; it is executed, and rows are
+// fetched, only when something first looks at rows (BOF, EOF, reading a field, MoveNext, assigning to
+// the current row). Opening a whole table only to AddNew therefore never reads the table.
+// AddNew ... Update stores INSERT INTO `table` (`assigned columns`) VALUES (?, ...); an edit of the
+// current row stores UPDATE `table` SET `column`=?, ... WHERE `key column`=? ... LIMIT 1 with the row's
+// original key values. Both are prepared statements with bound parameters, reported to the trace as
+// the engine's statements; the columns are listed in the order they were first assigned.
+// A statement without a result set leaves the recordset closed.
+class OdbcRecordset final : public Recordset {
+ public:
+  OdbcRecordset();
+  // A pending AddNew or edit is discarded, never stored.
+  ~OdbcRecordset() override;
+
+  void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
+            int lockType, int options) override;
+  bool IsOpen() const override;
+  bool BOF() override;
+  bool EOF_() override;
+  Value getField(std::string_view name) override;
+  void setField(std::string_view name, const Value& value) override;
+  // A pending AddNew or edit is stored first, as ADO does.
+  void MoveNext() override;
+  void AddNew() override;
+  void Update() override;
+  // A pending AddNew or edit is discarded.
+  void Close() override;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace tovrand

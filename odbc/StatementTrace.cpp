@@ -1,0 +1,33 @@
+#include "odbc/StatementTrace.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "odbc/Lock.h"
+
+namespace tovrand {
+
+namespace {
+
+void appendToFile(const char* path, std::string_view sql, StatementOrigin origin) {
+  static odbc::Mutex mutex;
+  std::string line = origin == StatementOrigin::Engine ? "-- engine: " : "";
+  for (char c : sql) line += (c == '\n' || c == '\r') ? ' ' : c;
+  line += '\n';
+  odbc::Guard lock(mutex);
+  if (std::FILE* f = std::fopen(path, "a")) {
+    std::fwrite(line.data(), 1, line.size(), f);
+    std::fclose(f);
+  }
+}
+
+}  // namespace
+
+void traceStatement(std::string_view sql, StatementOrigin origin) {
+  if (TraceSink* sink = traceSink()) sink->statement(sql, origin);
+  const char* path = std::getenv("TOVRAND_TRACE");
+  if (path != nullptr && *path != '\0') appendToFile(path, sql, origin);
+}
+
+}  // namespace tovrand

@@ -1,0 +1,271 @@
+#include "tests/support/TestDatabase.h"
+
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include "frame/Value.h"
+#include "frame/VbError.h"
+#include "odbc/NativeHost.h"
+
+namespace tovrand::test {
+
+namespace {
+
+constexpr const char* kDefaultServerDate = "2026-11-22";
+
+std::atomic<double> gStartSeconds{0.0};
+
+std::string shellQuote(const std::string& s) {
+  std::string out = "'";
+  for (char c : s) {
+    if (c == '\'') {
+      out += "'\\''";
+    } else {
+      out += c;
+    }
+  }
+  return out + "'";
+}
+
+std::string readFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return {};
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+std::string lineValue(const std::string& output, const std::string& key) {
+  std::istringstream lines(output);
+  std::string line;
+  while (std::getline(lines, line)) {
+    if (line.rfind(key + "=", 0) == 0) return line.substr(key.size() + 1);
+  }
+  return {};
+}
+
+std::string runCommand(const std::string& command) {
+  std::string output;
+  if (std::FILE* pipe = ::popen(command.c_str(), "r")) {
+    char buffer[512];
+    while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) output += buffer;
+    int status = ::pclose(pipe);
+    if (status != 0) throw std::runtime_error("command failed (" + std::to_string(status) + "): " + output);
+  } else {
+    throw std::runtime_error("cannot run: " + command);
+  }
+  return output;
+}
+
+}  // namespace
+
+double sandboxStartSeconds() {
+  return gStartSeconds.load();
+}
+
+TestServer& TestServer::instance() {
+  static TestServer server;
+  return server;
+}
+
+TestServer::TestServer() {
+  const char* given = std::getenv("TOVRAND_TEST_DSN");
+  if (given != nullptr && *given != '\0') {
+    settings_ = ConnectionSettings::parse(given, "TOVRAND_TEST_DSN");
+  } else {
+    auto start = std::chrono::steady_clock::now();
+    // The tests' databases are created and dropped per test: one tablespace and no flushing make
+    // that a matter of milliseconds. Options the caller passes come last and win.
+    const char* extra = std::getenv("TOVRAND_SANDBOX_ARGS");
+    std::string args = "--innodb-file-per-table=0 --innodb-flush-method=nosync";
+    if (extra != nullptr) args += std::string(" ") + extra;
+    std::string command = "TOVRAND_SANDBOX_ARGS=" + shellQuote(args) + " " +
+                          shellQuote(std::string(TOVRAND_SOURCE_DIR) + "/scripts/sandbox") +
+                          " start --watch " + std::to_string(::getpid()) + " 2>&1";
+    std::string output = runCommand(command);
+    sandboxDir_ = lineValue(output, "DIR");
+    std::string dsn = lineValue(output, "DSN");
+    if (dsn.empty()) throw std::runtime_error("the sandbox printed no DSN: " + output);
+    settings_ = ConnectionSettings::parse(dsn, "the sandbox DSN");
+    gStartSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  }
+  admin_ = OdbcConnection::openPrivate(settings_);
+}
+
+TestServer::~TestServer() {
+  admin_.reset();
+  if (!sandboxDir_.empty()) {
+    std::string command = shellQuote(std::string(TOVRAND_SOURCE_DIR) + "/scripts/sandbox") + " stop " +
+                          shellQuote(sandboxDir_) + " >/dev/null 2>&1";
+    if (std::system(command.c_str()) != 0) {
+      // The watcher started with the sandbox stops it when this program has gone.
+    }
+  }
+}
+
+std::string TestServer::dsnFor(const std::string& database) const {
+  std::string out = "mysql://" + settings_.user + ":" + settings_.password + "@" + settings_.host;
+  if (settings_.port != 0) out += ":" + std::to_string(settings_.port);
+  out += "/" + database;
+  if (!settings_.socket.empty()) out += "?socket=" + settings_.socket;
+  return out;
+}
+
+std::string TestServer::socketPath() const {
+  return settings_.socket;
+}
+
+void TestServer::runSql(const std::string& database, const std::string& sql) const {
+  char path[] = "/tmp/tovrand-sql.XXXXXX";
+  int fd = ::mkstemp(path);
+  if (fd < 0) throw std::runtime_error("cannot create a temporary file for SQL text");
+  ::close(fd);
+  {
+    std::ofstream out(path, std::ios::binary);
+    out << sql;
+  }
+  std::string connection = settings_.socket.empty()
+                               ? "-h " + shellQuote(settings_.host) +
+                                     (settings_.port != 0 ? " -P " + std::to_string(settings_.port) : "")
+                               : "--socket=" + shellQuote(settings_.socket);
+  std::string command = "MYSQL_PWD=" + shellQuote(settings_.password) + " mariadb --no-defaults -u" +
+                        shellQuote(settings_.user) + " " + connection + " " + shellQuote(database) + " < " +
+                        path + " 2>&1";
+  try {
+    runCommand(command);
+  } catch (...) {
+    ::unlink(path);
+    throw;
+  }
+  ::unlink(path);
+}
+
+void TestServer::admin(const std::string& sql) {
+  admin_->execute(sql);
+}
+
+ConnectionSettings TestServer::fixtureSettings(const std::string& database) const {
+  ConnectionSettings s = settings_;
+  s.database = database;
+  s.serverDate = kDefaultServerDate;
+  return s;
+}
+
+std::vector<std::string> splitStatements(const std::string& sql) {
+  std::vector<std::string> statements;
+  std::string current;
+  char quote = 0;
+  for (std::size_t i = 0; i < sql.size(); ++i) {
+    char c = sql[i];
+    if (quote != 0) {
+      current += c;
+      if (c == '\\' && i + 1 < sql.size()) {
+        current += sql[++i];
+      } else if (c == quote) {
+        quote = 0;
+      }
+      continue;
+    }
+    if (c == '\'' || c == '"' || c == '`') {
+      quote = c;
+    } else if (c == '-' && i + 1 < sql.size() && sql[i + 1] == '-') {
+      while (i < sql.size() && sql[i] != '\n') ++i;
+      current += '\n';
+      continue;
+    } else if (c == '#') {
+      while (i < sql.size() && sql[i] != '\n') ++i;
+      current += '\n';
+      continue;
+    } else if (c == '/' && i + 1 < sql.size() && sql[i + 1] == '*') {
+      std::size_t end = sql.find("*/", i + 2);
+      i = end == std::string::npos ? sql.size() : end + 1;
+      current += ' ';
+      continue;
+    } else if (c == ';') {
+      if (current.find_first_not_of(" \t\r\n") != std::string::npos) statements.push_back(current);
+      current.clear();
+      continue;
+    }
+    current += c;
+  }
+  if (current.find_first_not_of(" \t\r\n") != std::string::npos) statements.push_back(current);
+  return statements;
+}
+
+std::string TestServer::uniqueDatabaseName() {
+  return "tovrand_t" + std::to_string(::getpid()) + "_" + std::to_string(++counter_);
+}
+
+void DatabaseTest::SetUp() {
+  setTraceSink(nullptr);
+  TestServer& server = TestServer::instance();
+  auto t0 = std::chrono::steady_clock::now();
+  auto lap = [&](const char* what) {
+    if (std::getenv("TOVRAND_TEST_TIMING")) {
+      std::fprintf(stderr, "%s %.3f\n", what,
+                   std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count());
+    }
+  };
+  database_ = server.uniqueDatabaseName();
+  server.admin("CREATE DATABASE `" + database_ + "` CHARACTER SET utf8mb4");
+  lap("create");
+  std::string schema = readFile(std::string(TOVRAND_SOURCE_DIR) + "/schema/tovrand.sql");
+  if (!schema.empty()) server.runSql(database_, schema);
+  lap("schema");
+  fixture_ = OdbcConnection::openPrivate(server.fixtureSettings(database_));
+  lap("fixture");
+  messages_->take();
+  trace_.clear();
+  setTraceSink(&trace_);
+}
+
+void DatabaseTest::TearDown() {
+  setTraceSink(nullptr);
+  fixture_.reset();
+  if (!database_.empty()) TestServer::instance().admin("DROP DATABASE IF EXISTS `" + database_ + "`");
+}
+
+std::string DatabaseTest::dsn(const std::string& options) const {
+  std::string out = TestServer::instance().dsnFor(database_);
+  std::string all = options;
+  if (all.find("server_date=") == std::string::npos) {
+    all = "server_date=" + std::string(kDefaultServerDate) + (all.empty() ? "" : "&" + all);
+  }
+  return out + (out.find('?') == std::string::npos ? "?" : "&") + all;
+}
+
+std::shared_ptr<Host> DatabaseTest::host(const std::string& serverDate) {
+  return std::make_shared<NativeHost>(
+      ConnectionSettings::parse(dsn(serverDate.empty() ? "" : "server_date=" + serverDate)), messages_);
+}
+
+OdbcConnection& DatabaseTest::fixtureConnection() const {
+  if (!fixture_) throw std::logic_error("the test database is not set up");
+  return *fixture_;
+}
+
+void DatabaseTest::exec(const std::string& sql) const {
+  for (const std::string& statement : splitStatements(sql)) fixtureConnection().execute(statement);
+}
+
+std::string DatabaseTest::scalar(const std::string& sql) const {
+  std::optional<Value> v = fixtureConnection().scalar(sql, true);
+  if (!v) return "";
+  if (v->isNull()) return "NULL";
+  return v->str();
+}
+
+void DatabaseTest::loadSample() const {
+  std::string sample = readFile(std::string(TOVRAND_SOURCE_DIR) + "/schema/sample.sql");
+  if (sample.empty()) throw std::runtime_error("schema/sample.sql cannot be read");
+  TestServer::instance().runSql(database_, sample);
+}
+
+}  // namespace tovrand::test
