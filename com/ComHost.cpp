@@ -15,14 +15,6 @@ namespace tovrand::com {
 
 namespace {
 
-std::string environment(const wchar_t* name) {
-  DWORD n = GetEnvironmentVariableW(name, nullptr, 0);
-  if (n == 0) return {};
-  std::wstring value(n, L'\0');
-  n = GetEnvironmentVariableW(name, value.data(), n);
-  return fromWide(value.data(), n);
-}
-
 // Velmora's clsDbConnection as the component's m_DbConnection. OpenConnection and CloseConnection go
 // to the Velmora object; the connection the recordsets run on is the process's shared ODBC connection
 // for the connection string Velmora's Connection object carries.
@@ -62,7 +54,7 @@ class ComDbConnection final : public DbConnection {
  private:
   // Connection.ConnectionString of the Velmora object.
   std::string connectionString() {
-    if (!environment(L"TOVRAND_DSN").empty()) return {};
+    if (!environmentVariable(L"TOVRAND_DSN").empty()) return {};
     Variant connection;
     invokeByName(velmora_.get(), "Connection", DISPATCH_PROPERTYGET, nullptr, 0, connection.get());
     IDispatch* object = connection->vt == VT_DISPATCH ? connection->pdispVal : nullptr;
@@ -120,7 +112,7 @@ std::string odbcPartOf(std::string_view connectionString) {
 }
 
 ConnectionSettings settingsFor(std::string_view connectionString) {
-  std::string dsn = environment(L"TOVRAND_DSN");
+  std::string dsn = environmentVariable(L"TOVRAND_DSN");
   if (!dsn.empty()) return ConnectionSettings::parse(dsn, "TOVRAND_DSN");
   std::string odbc = odbcPartOf(connectionString);
   if (odbc.empty()) throw VbError(vberr::kProviderError, "Velmora's connection string is empty");
@@ -128,7 +120,7 @@ ConnectionSettings settingsFor(std::string_view connectionString) {
 }
 
 void MessageBoxSink::show(const std::string& text, int style, const std::string& title) {
-  if (environment(L"TOVRAND_MESSAGES") == "stderr") {
+  if (environmentVariable(L"TOVRAND_MESSAGES") == "stderr") {
     std::string line = "MESSAGE style=" + std::to_string(style) + " title=" + title + " text=" + text + "\n";
     DWORD written = 0;
     WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(), static_cast<DWORD>(line.size()), &written,

@@ -1,8 +1,6 @@
 #include "com/ComSupport.h"
 
 #include <cmath>
-#include <memory>
-#include <mutex>
 
 #include "frame/Text.h"
 
@@ -40,17 +38,13 @@ GUID guidOf(std::string_view text) {
   return guid;
 }
 
-namespace {
-
-const VARIANT& deref(const VARIANT& v) {
-  if (v.vt == (VT_BYREF | VT_VARIANT) && v.pvarVal) return deref(*v.pvarVal);
+const VARIANT& referenced(const VARIANT& v) {
+  if (v.vt == (VT_BYREF | VT_VARIANT) && v.pvarVal) return referenced(*v.pvarVal);
   return v;
 }
 
-}  // namespace
-
 Value valueOf(const VARIANT& in) {
-  const VARIANT& v = deref(in);
+  const VARIANT& v = referenced(in);
   const bool ref = (v.vt & VT_BYREF) != 0;
   switch (v.vt & ~VT_BYREF) {
     case VT_EMPTY:
@@ -223,158 +217,12 @@ void invokeByName(IDispatch* object, std::string_view name, WORD flags, VARIANTA
   invokeByDispid(object, dispidOf(object, name), flags, args, count, result);
 }
 
-namespace {
-
-HINSTANCE gInstance = nullptr;
-std::atomic<long> gObjects{0};
-std::atomic<long> gLocks{0};
-
-}  // namespace
-
-HINSTANCE Module::handle() {
-  return gInstance;
-}
-void Module::setHandle(HINSTANCE instance) {
-  gInstance = instance;
-}
-
-std::wstring Module::path() {
-  std::wstring buffer(MAX_PATH, L'\0');
-  for (;;) {
-    DWORD n = GetModuleFileNameW(gInstance, buffer.data(), static_cast<DWORD>(buffer.size()));
-    if (n < buffer.size()) {
-      buffer.resize(n);
-      return buffer;
-    }
-    buffer.resize(buffer.size() * 2);
-  }
-}
-
-void Module::objectCreated() {
-  ++gObjects;
-}
-void Module::objectDestroyed() {
-  --gObjects;
-}
-void Module::lock(bool on) {
-  if (on)
-    ++gLocks;
-  else
-    --gLocks;
-}
-bool Module::canUnload() {
-  return gObjects == 0 && gLocks == 0;
-}
-
-ITypeLib* moduleTypeLib() {
-  // Loaded once and kept for the life of the module: every object's IDispatch answers from it.
-  static ITypeLib* lib = [] {
-    ITypeLib* loaded = nullptr;
-    if (FAILED(LoadTypeLibEx(Module::path().c_str(), REGKIND_NONE, &loaded))) loaded = nullptr;
-    return loaded;
-  }();
-  return lib;
-}
-
-ComRef<ITypeInfo> moduleTypeInfo(const GUID& guid) {
-  ComRef<ITypeInfo> info;
-  if (ITypeLib* lib = moduleTypeLib()) lib->GetTypeInfoOfGuid(guid, info.put());
-  return info;
-}
-
-namespace {
-
-LONG setKey(HKEY root, const std::wstring& path, const wchar_t* name, const std::wstring& value) {
-  HKEY key = nullptr;
-  LONG rc = RegCreateKeyExW(root, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr);
-  if (rc != ERROR_SUCCESS) return rc;
-  rc = RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                      static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
-  RegCloseKey(key);
-  return rc;
-}
-
-void deleteTree(HKEY root, const std::wstring& path) {
-  RegDeleteTreeW(root, path.c_str());
-}
-
-}  // namespace
-
-HRESULT registerServer(std::span<const ClassRegistration> classes) {
-  ITypeLib* lib = moduleTypeLib();
-  if (!lib) return TYPE_E_CANTLOADLIBRARY;
-  std::wstring path = Module::path();
-  HRESULT hr = RegisterTypeLib(lib, path.data(), nullptr);
-  if (FAILED(hr)) return hr;
-  for (const ClassRegistration& c : classes) {
-    std::wstring clsid = toWide(c.clsid);
-    std::wstring progId = toWide(c.progId);
-    std::wstring description = toWide(c.description);
-    std::wstring key = L"CLSID\\" + clsid;
-    LONG rc = setKey(HKEY_CLASSES_ROOT, key, nullptr, description);
-    if (rc == ERROR_SUCCESS) rc = setKey(HKEY_CLASSES_ROOT, key + L"\\InprocServer32", nullptr, path);
-    if (rc == ERROR_SUCCESS)
-      rc = setKey(HKEY_CLASSES_ROOT, key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
-    if (rc == ERROR_SUCCESS) rc = setKey(HKEY_CLASSES_ROOT, key + L"\\ProgID", nullptr, progId);
-    if (rc == ERROR_SUCCESS) rc = setKey(HKEY_CLASSES_ROOT, key + L"\\VERSION", nullptr, L"27.0");
-    if (rc == ERROR_SUCCESS) rc = setKey(HKEY_CLASSES_ROOT, progId, nullptr, description);
-    if (rc == ERROR_SUCCESS) rc = setKey(HKEY_CLASSES_ROOT, progId + L"\\CLSID", nullptr, clsid);
-    if (rc != ERROR_SUCCESS) return HRESULT_FROM_WIN32(rc);
-  }
-  return S_OK;
-}
-
-HRESULT unregisterServer(std::span<const ClassRegistration> classes) {
-  for (const ClassRegistration& c : classes) {
-    deleteTree(HKEY_CLASSES_ROOT, L"CLSID\\" + toWide(c.clsid));
-    deleteTree(HKEY_CLASSES_ROOT, toWide(c.progId));
-  }
-  if (ITypeLib* lib = moduleTypeLib()) {
-    TLIBATTR* attr = nullptr;
-    if (SUCCEEDED(lib->GetLibAttr(&attr))) {
-      UnRegisterTypeLib(attr->guid, attr->wMajorVerNum, attr->wMinorVerNum, attr->lcid, attr->syskind);
-      lib->ReleaseTLibAttr(attr);
-    }
-  }
-  return S_OK;
-}
-
-HRESULT STDMETHODCALLTYPE ClassFactory::QueryInterface(REFIID riid, void** out) {
-  if (!out) return E_POINTER;
-  if (riid == IID_IUnknown || riid == IID_IClassFactory) {
-    *out = static_cast<IClassFactory*>(this);
-    AddRef();
-    return S_OK;
-  }
-  *out = nullptr;
-  return E_NOINTERFACE;
-}
-
-ULONG STDMETHODCALLTYPE ClassFactory::Release() {
-  ULONG n = --refs_;
-  // A COM object ends its own life on the last Release.
-  if (n == 0) delete this;
-  return n;
-}
-
-HRESULT STDMETHODCALLTYPE ClassFactory::CreateInstance(IUnknown* outer, REFIID riid, void** out) {
-  if (!out) return E_POINTER;
-  *out = nullptr;
-  if (outer) return CLASS_E_NOAGGREGATION;
-  return create_(riid, out);
-}
-
-HRESULT STDMETHODCALLTYPE ClassFactory::LockServer(BOOL lock) {
-  Module::lock(lock != FALSE);
-  return S_OK;
-}
-
-HRESULT makeFactory(ClassFactory::Creator create, REFIID riid, void** out) {
-  auto factory = std::make_unique<ClassFactory>(std::move(create));
-  HRESULT hr = factory->QueryInterface(riid, out);
-  // The factory holds one reference from its construction; QueryInterface added the caller's.
-  factory.release()->Release();
-  return hr;
+std::string environmentVariable(const wchar_t* name) {
+  DWORD n = GetEnvironmentVariableW(name, nullptr, 0);
+  if (n == 0) return {};
+  std::wstring value(n, L'\0');
+  n = GetEnvironmentVariableW(name, value.data(), n);
+  return fromWide(value.data(), n);
 }
 
 }  // namespace tovrand::com

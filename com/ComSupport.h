@@ -1,17 +1,13 @@
 #pragma once
 
 // What both DLLs share at the COM edge: owning wrappers for interface pointers, BSTRs and VARIANTs,
-// text conversion, the module's object and lock counts, error objects, the type library of the
-// module, registry entries and the class factory.
+// text and value conversion, error objects, late-bound calls and the process environment.
 
 #include <windows.h>
 
 #include <oleauto.h>
 
-#include <atomic>
 #include <cstdint>
-#include <functional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -112,6 +108,9 @@ std::wstring guidText(const GUID& guid);
 // "{...}" as a GUID; E_INVALIDARG as a VbError when it is not one.
 GUID guidOf(std::string_view text);
 
+// The VARIANT an argument stands for, through VT_BYREF|VT_VARIANT (VBScript's and VB's Variants).
+const VARIANT& referenced(const VARIANT& v);
+
 // The value a VARIANT holds (through VT_BYREF), as a Variant of the core. Arrays and objects are not
 // values: 13 "Type mismatch".
 Value valueOf(const VARIANT& v);
@@ -136,49 +135,7 @@ void invokeByDispid(IDispatch* object, DISPID dispid, WORD flags, VARIANTARG* ar
 void invokeByName(IDispatch* object, std::string_view name, WORD flags, VARIANTARG* args, UINT count,
                   VARIANT* result);
 
-// The module these sources are linked into: its handle, path, object and lock counts.
-struct Module {
-  static HINSTANCE handle();
-  static void setHandle(HINSTANCE instance);
-  static std::wstring path();
-  static void objectCreated();
-  static void objectDestroyed();
-  static void lock(bool on);
-  static bool canUnload();
-};
-
-// The module's embedded type library (resource 1 TYPELIB), loaded once.
-ITypeLib* moduleTypeLib();
-ComRef<ITypeInfo> moduleTypeInfo(const GUID& guid);
-
-// Registry: one creatable class and the type library.
-struct ClassRegistration {
-  std::string_view clsid;
-  std::string_view progId;
-  std::string_view description;
-};
-HRESULT registerServer(std::span<const ClassRegistration> classes);
-HRESULT unregisterServer(std::span<const ClassRegistration> classes);
-
-// The class factory of one class: `create` makes the object and answers its interface.
-class ClassFactory final : public IClassFactory {
- public:
-  using Creator = std::function<HRESULT(REFIID, void**)>;
-  explicit ClassFactory(Creator create) : create_(std::move(create)) { Module::objectCreated(); }
-  ~ClassFactory() { Module::objectDestroyed(); }
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** out) override;
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
-  ULONG STDMETHODCALLTYPE Release() override;
-  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID riid, void** out) override;
-  HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override;
-
- private:
-  std::atomic<ULONG> refs_{1};
-  Creator create_;
-};
-
-// Makes a factory for the request of DllGetClassObject.
-HRESULT makeFactory(ClassFactory::Creator create, REFIID riid, void** out);
+// An environment variable of the process as UTF-8; "" when it is not set.
+std::string environmentVariable(const wchar_t* name);
 
 }  // namespace tovrand::com

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <vector>
 
+#include "com/ComServer.h"
 #include "com/DispatchCollection.h"
 #include "com/DispatchEntityStore.h"
 #include "entities/Entities.h"

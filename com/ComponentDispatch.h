@@ -20,7 +20,6 @@ class ComponentDispatch {
   const ClassInfo& classInfo() const { return cls_; }
   const GUID& iid() const { return iid_; }
   const GUID& clsid() const { return clsid_; }
-  ITypeInfo* typeInfo() const { return typeInfo_.get(); }
 
   HRESULT getIDsOfNames(LPOLESTR* names, UINT count, DISPID* ids);
   HRESULT invoke(DISPID dispid, WORD flags, DISPPARAMS* params, VARIANT* result, EXCEPINFO* excep,

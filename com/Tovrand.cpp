@@ -1,5 +1,5 @@
-// Tovrand.dll: the four creatable classes as dual COM objects, their class factories and the four
-// exports of an in-process server.
+// Tovrand.dll: the four creatable classes as dual COM objects, with the early-bound methods of their
+// interfaces.
 
 #include <windows.h>
 
@@ -12,7 +12,7 @@
 
 #include "Tovrand_h.h"
 #include "com/ComHost.h"
-#include "com/ComSupport.h"
+#include "com/ComServer.h"
 #include "com/ComponentDispatch.h"
 #include "component/Component.h"
 
@@ -20,18 +20,30 @@ namespace tovrand::com {
 
 namespace {
 
-// The VARIANTARG for one argument of an early-bound call, pointing at the caller's own storage.
-VARIANTARG argOf(IDispatch** p) {
+// The VARIANTARG for one argument of an early-bound call, pointing at the caller's own storage (every
+// by-reference type keeps its pointer in the same place of the VARIANT).
+template <class T>
+VARIANTARG byRef(VARTYPE type, T* p) {
   VARIANTARG v{};
-  v.vt = VT_BYREF | VT_DISPATCH;
-  v.ppdispVal = p;
+  v.vt = VT_BYREF | type;
+  v.byref = p;
   return v;
 }
+VARIANTARG argOf(IDispatch** p) {
+  return byRef(VT_DISPATCH, p);
+}
 VARIANTARG argOf(BSTR* p) {
-  VARIANTARG v{};
-  v.vt = VT_BYREF | VT_BSTR;
-  v.pbstrVal = p;
-  return v;
+  return byRef(VT_BSTR, p);
+}
+// DATE is a double: the member table tells a date from a double afterwards.
+VARIANTARG argOf(double* p) {
+  return byRef(VT_R8, p);
+}
+VARIANTARG argOf(short* p) {
+  return byRef(VT_I2, p);
+}
+VARIANTARG argOf(SAFEARRAY** p) {
+  return byRef(VT_ARRAY | VT_R8, p);
 }
 VARIANTARG argOf(BSTR p) {
   VARIANTARG v{};
@@ -39,29 +51,10 @@ VARIANTARG argOf(BSTR p) {
   v.bstrVal = p;
   return v;
 }
-// DATE is a double: the member table tells a date from a double afterwards.
-VARIANTARG argOf(double* p) {
-  VARIANTARG v{};
-  v.vt = VT_BYREF | VT_R8;
-  v.pdblVal = p;
-  return v;
-}
 VARIANTARG argOf(double p) {
   VARIANTARG v{};
   v.vt = VT_R8;
   v.dblVal = p;
-  return v;
-}
-VARIANTARG argOf(short* p) {
-  VARIANTARG v{};
-  v.vt = VT_BYREF | VT_I2;
-  v.piVal = p;
-  return v;
-}
-VARIANTARG argOf(SAFEARRAY** p) {
-  VARIANTARG v{};
-  v.vt = VT_BYREF | VT_ARRAY | VT_R8;
-  v.pparray = p;
   return v;
 }
 
@@ -74,54 +67,14 @@ void storeResult(VARIANT& answer, VARIANT* out) {
   VariantInit(&answer);
 }
 
-// One object of a class: IUnknown, the dual interface (IDispatch and the early-bound methods, both
-// going through the same ComponentDispatch), ISupportErrorInfo and IProvideClassInfo.
+// One object of a class: the dual interface (IDispatch and the early-bound methods, both going
+// through the same ComponentDispatch), ISupportErrorInfo and IProvideClassInfo.
 template <class Iface>
-class ComponentObject : public Iface, public ISupportErrorInfo, public IProvideClassInfo {
+class ComponentObject : public DualObject<Iface, IProvideClassInfo> {
  public:
   ComponentObject(const ClassInfo& cls, std::unique_ptr<DispatchObject> object)
-      : dispatch_(cls, std::move(object)) {
-    Module::objectCreated();
-  }
-  virtual ~ComponentObject() { Module::objectDestroyed(); }
-  ComponentObject(const ComponentObject&) = delete;
-  ComponentObject& operator=(const ComponentObject&) = delete;
+      : DualObject<Iface, IProvideClassInfo>(guidOf(cls.iid)), dispatch_(cls, std::move(object)) {}
 
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** out) override {
-    if (!out) return E_POINTER;
-    *out = nullptr;
-    if (riid == IID_IUnknown || riid == IID_IDispatch || riid == dispatch_.iid())
-      *out = static_cast<Iface*>(this);
-    else if (riid == IID_ISupportErrorInfo)
-      *out = static_cast<ISupportErrorInfo*>(this);
-    else if (riid == IID_IProvideClassInfo)
-      *out = static_cast<IProvideClassInfo*>(this);
-    else
-      return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    ULONG n = --refs_;
-    // A COM object ends its own life on the last Release (this closes the connection holder).
-    if (n == 0) delete this;
-    return n;
-  }
-
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    if (!count) return E_POINTER;
-    *count = dispatch_.typeInfo() ? 1 : 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID, ITypeInfo** out) override {
-    if (!out) return E_POINTER;
-    *out = nullptr;
-    if (index != 0 || !dispatch_.typeInfo()) return DISP_E_BADINDEX;
-    *out = dispatch_.typeInfo();
-    (*out)->AddRef();
-    return S_OK;
-  }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
     return dispatch_.getIDsOfNames(names, count, ids);
   }
@@ -131,9 +84,6 @@ class ComponentObject : public Iface, public ISupportErrorInfo, public IProvideC
     return dispatch_.invoke(dispid, flags, params, result, excep, argErr);
   }
 
-  HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
-    return riid == dispatch_.iid() ? S_OK : S_FALSE;
-  }
   HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** out) override {
     if (!out) return E_POINTER;
     ComRef<ITypeInfo> info = moduleTypeInfo(dispatch_.clsid());
@@ -142,6 +92,11 @@ class ComponentObject : public Iface, public ISupportErrorInfo, public IProvideC
   }
 
  protected:
+  void* interfaceFor(REFIID riid) override {
+    if (riid == IID_IProvideClassInfo) return static_cast<IProvideClassInfo*>(this);
+    return DualObject<Iface, IProvideClassInfo>::interfaceFor(riid);
+  }
+
   // An early-bound call: the arguments become by-reference VARIANTs over the caller's storage and
   // take the late-bound path; a failure comes back as the HRESULT with the error object set.
   template <class R, class... A>
@@ -175,7 +130,6 @@ class ComponentObject : public Iface, public ISupportErrorInfo, public IProvideC
   }
 
  private:
-  std::atomic<ULONG> refs_{1};
   ComponentDispatch dispatch_;
 };
 
@@ -376,76 +330,31 @@ HRESULT createComponent(const ClassInfo& cls, REFIID riid, void** out) {
   }
   if (!core) return CLASS_E_CLASSNOTAVAILABLE;
   try {
-    auto object = std::make_unique<T>(cls, std::move(core));
-    HRESULT hr = object->QueryInterface(riid, out);
-    // The object holds one reference from its construction; QueryInterface added the caller's.
-    object.release()->Release();
-    return hr;
+    return createInstance<T>(riid, out, cls, std::move(core));
   } catch (const VbError& e) {
     return reportError(hresultOf(e.number()), e.description(), GUID_NULL);
   }
 }
 
-HRESULT createByClsid(const CLSID& clsid, REFIID riid, void** out) {
-  for (const ClassInfo& cls : componentClasses()) {
-    if (clsid != guidOf(cls.clsid)) continue;
-    auto create = [&cls](REFIID iid, void** object) -> HRESULT {
-      if (cls.name == "clsDataPOrder") return createComponent<POrderObject>(cls, iid, object);
-      if (cls.name == "clsDataPOrderChk") return createComponent<POrderChkObject>(cls, iid, object);
-      if (cls.name == "clsDataPMrph") return createComponent<PMrphObject>(cls, iid, object);
-      return createComponent<PMrpiObject>(cls, iid, object);
-    };
-    return makeFactory(create, riid, out);
-  }
-  return CLASS_E_CLASSNOTAVAILABLE;
+ClassFactory::Creator creatorOf(const ClassInfo& cls) {
+  return [&cls](REFIID iid, void** object) -> HRESULT {
+    if (cls.name == "clsDataPOrder") return createComponent<POrderObject>(cls, iid, object);
+    if (cls.name == "clsDataPOrderChk") return createComponent<POrderChkObject>(cls, iid, object);
+    if (cls.name == "clsDataPMrph") return createComponent<PMrphObject>(cls, iid, object);
+    return createComponent<PMrpiObject>(cls, iid, object);
+  };
 }
 
 }  // namespace
 
-}  // namespace tovrand::com
-
-using namespace tovrand::com;
-
-extern "C" {
-
-BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
-  if (reason == DLL_PROCESS_ATTACH) {
-    Module::setHandle(instance);
-    DisableThreadLibraryCalls(instance);
-  }
-  return TRUE;
-}
-
-STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, LPVOID* out) {
-  if (!out) return E_POINTER;
-  *out = nullptr;
-  try {
-    return createByClsid(clsid, riid, out);
-  } catch (...) {
-    return E_UNEXPECTED;
-  }
-}
-
-STDAPI DllCanUnloadNow() {
-  return Module::canUnload() ? S_OK : S_FALSE;
-}
-
-namespace {
-// The registry entries of the four classes, from the member table.
-std::vector<ClassRegistration> registrations() {
-  std::vector<ClassRegistration> classes;
-  for (const tovrand::ClassInfo& cls : tovrand::componentClasses())
-    classes.push_back({cls.clsid, cls.progId, cls.progId});
+// The four classes of the member table.
+std::span<const ServerClass> serverClasses() {
+  static const std::vector<ServerClass> classes = [] {
+    std::vector<ServerClass> out;
+    for (const ClassInfo& cls : componentClasses()) out.push_back({cls.clsid, cls.progId, creatorOf(cls)});
+    return out;
+  }();
   return classes;
 }
-}  // namespace
 
-STDAPI DllRegisterServer() {
-  return registerServer(registrations());
-}
-
-STDAPI DllUnregisterServer() {
-  return unregisterServer(registrations());
-}
-
-}  // extern "C"
+}  // namespace tovrand::com

@@ -1,14 +1,4 @@
 # Cross build of the COM server for 64-bit Windows (PE32+) with mingw-w64.
-set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
-set(TOVRAND_MINGW_PREFIX x86_64-w64-mingw32)
-# The posix thread model gives std::mutex and std::thread to the ODBC engine.
-set(CMAKE_CXX_COMPILER ${TOVRAND_MINGW_PREFIX}-g++-posix)
-set(CMAKE_C_COMPILER ${TOVRAND_MINGW_PREFIX}-gcc-posix)
-set(CMAKE_RC_COMPILER ${TOVRAND_MINGW_PREFIX}-windres)
-set(TOVRAND_WIDL ${TOVRAND_MINGW_PREFIX}-widl)
 set(TOVRAND_WIDL_ARCH --win64)
-set(CMAKE_FIND_ROOT_PATH /usr/${TOVRAND_MINGW_PREFIX})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+include(${CMAKE_CURRENT_LIST_DIR}/mingw.cmake)

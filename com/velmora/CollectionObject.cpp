@@ -36,38 +36,15 @@ bool isMissing(const VARIANT* v) {
   return !v || (v->vt == VT_ERROR && v->scode == DISP_E_PARAMNOTFOUND);
 }
 
-const VARIANT& deref(const VARIANT& v) {
-  if (v.vt == (VT_BYREF | VT_VARIANT) && v.pvarVal) return deref(*v.pvarVal);
-  return v;
-}
-
 HRESULT vbError(std::int32_t number, const char* text) {
   return com::reportError(com::hresultOf(number), text, kCollectionIid, "Velmora.Collection");
 }
 
-class Enumerator final : public IEnumVARIANT {
+class Enumerator final : public com::ComObject<IEnumVARIANT> {
  public:
   Enumerator(std::shared_ptr<Elements> elements, std::size_t position)
-      : elements_(std::move(elements)), position_(position) {
-    com::Module::objectCreated();
-  }
-  ~Enumerator() { com::Module::objectDestroyed(); }
+      : elements_(std::move(elements)), position_(position) {}
 
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** out) override {
-    if (!out) return E_POINTER;
-    *out = nullptr;
-    if (riid != IID_IUnknown && riid != IID_IEnumVARIANT) return E_NOINTERFACE;
-    *out = static_cast<IEnumVARIANT*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++refs_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    ULONG n = --refs_;
-    // A COM object ends its own life on the last Release.
-    if (n == 0) delete this;
-    return n;
-  }
   HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* out, ULONG* fetched) override {
     if (!out) return E_POINTER;
     ULONG n = 0;
@@ -94,8 +71,13 @@ class Enumerator final : public IEnumVARIANT {
     return S_OK;
   }
 
+ protected:
+  void* interfaceFor(REFIID riid) override {
+    if (riid == IID_IUnknown || riid == IID_IEnumVARIANT) return static_cast<IEnumVARIANT*>(this);
+    return nullptr;
+  }
+
  private:
-  std::atomic<ULONG> refs_{1};
   std::shared_ptr<Elements> elements_;
   std::size_t position_;
 };
@@ -110,7 +92,7 @@ class CollectionObject final : public DualObject<_Collection> {
     VariantInit(&e.value);
     if (!isMissing(key)) {
       Variant text;
-      if (FAILED(VariantChangeType(text.get(), const_cast<VARIANT*>(&deref(*key)), 0, VT_BSTR)))
+      if (FAILED(VariantChangeType(text.get(), const_cast<VARIANT*>(&com::referenced(*key)), 0, VT_BSTR)))
         return vbError(13, "Type mismatch");
       e.key = com::fromBstr(text->bstrVal);
       if (find(e.key) >= 0)
@@ -170,7 +152,7 @@ class CollectionObject final : public DualObject<_Collection> {
   // The 0-based position an index (1-based number or key) names; -1 when there is none, -2 when the
   // index is neither a number nor a text.
   long locate(const VARIANT& in) const {
-    const VARIANT& index = deref(in);
+    const VARIANT& index = com::referenced(in);
     if ((index.vt & ~VT_BYREF) == VT_BSTR) {
       BSTR text = (index.vt & VT_BYREF) ? *index.pbstrVal : index.bstrVal;
       return find(com::fromBstr(text));
@@ -189,10 +171,7 @@ class CollectionObject final : public DualObject<_Collection> {
 }  // namespace
 
 HRESULT createCollection(REFIID riid, void** out) {
-  auto object = std::make_unique<CollectionObject>();
-  HRESULT hr = object->QueryInterface(riid, out);
-  object.release()->Release();
-  return hr;
+  return com::createInstance<CollectionObject>(riid, out);
 }
 
 }  // namespace tovrand::velmora

@@ -17,14 +17,6 @@ namespace tovrand::velmora {
 
 namespace {
 
-std::string environment(const wchar_t* name) {
-  DWORD n = GetEnvironmentVariableW(name, nullptr, 0);
-  if (n == 0) return {};
-  std::wstring value(n, L'\0');
-  n = GetEnvironmentVariableW(name, value.data(), n);
-  return com::fromWide(value.data(), n);
-}
-
 std::optional<std::string> registryString(HKEY root) {
   wchar_t buffer[2048];
   DWORD size = sizeof buffer;
@@ -37,7 +29,7 @@ std::optional<std::string> registryString(HKEY root) {
 // The connection string as ADO would hold it (an MSDASQL string or a plain ODBC one): from TOVRAND_DSN
 // converted to ODBC, else the registry value; "" when none is configured.
 std::string configuredConnectionString() {
-  std::string dsn = environment(L"TOVRAND_DSN");
+  std::string dsn = com::environmentVariable(L"TOVRAND_DSN");
   if (!dsn.empty()) return ConnectionSettings::parse(dsn, "TOVRAND_DSN").odbcConnectionString();
   for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE})
     if (auto text = registryString(root); text && !text->empty()) return *text;
@@ -46,7 +38,7 @@ std::string configuredConnectionString() {
 
 // The settings to connect with, or nullopt when none is configured.
 std::optional<ConnectionSettings> configuredSettings() {
-  std::string dsn = environment(L"TOVRAND_DSN");
+  std::string dsn = com::environmentVariable(L"TOVRAND_DSN");
   if (!dsn.empty()) return ConnectionSettings::parse(dsn, "TOVRAND_DSN");
   std::string text = configuredConnectionString();
   if (text.empty()) return std::nullopt;
@@ -117,10 +109,7 @@ class DbConnectionObject final : public DualObject<_clsDbConnection> {
 }  // namespace
 
 HRESULT createDbConnection(REFIID riid, void** out) {
-  auto object = std::make_unique<DbConnectionObject>();
-  HRESULT hr = object->QueryInterface(riid, out);
-  object.release()->Release();
-  return hr;
+  return com::createInstance<DbConnectionObject>(riid, out);
 }
 
 }  // namespace tovrand::velmora

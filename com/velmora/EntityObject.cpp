@@ -31,6 +31,7 @@ struct EntityObject {
   std::atomic<ULONG> refs{1};
   const ClassTable* table;
   std::vector<Value> values;
+  com::ObjectCount count;
 };
 static_assert(std::is_standard_layout_v<EntityObject>);
 
@@ -40,7 +41,7 @@ EntityObject* self(void* p) {
 
 HRESULT STDMETHODCALLTYPE queryInterface(void* p, REFIID riid, void** out) {
   if (!out) return E_POINTER;
-  if (riid == IID_IUnknown || riid == IID_IDispatch || riid == self(p)->table->iid) {
+  if (com::isDualInterface(riid, self(p)->table->iid)) {
     *out = p;
     ++self(p)->refs;
     return S_OK;
@@ -58,39 +59,26 @@ ULONG STDMETHODCALLTYPE release(void* p) {
   if (n == 0) {
     // The object was made by createEntity; the last Release ends it.
     std::unique_ptr<EntityObject> owned(self(p));
-    com::Module::objectDestroyed();
   }
   return n;
 }
 
 HRESULT STDMETHODCALLTYPE getTypeInfoCount(void* p, UINT* count) {
-  if (!count) return E_POINTER;
-  *count = self(p)->table->typeInfo ? 1 : 0;
-  return S_OK;
+  return com::typeInfoCount(self(p)->table->typeInfo.get(), count);
 }
 
 HRESULT STDMETHODCALLTYPE getTypeInfo(void* p, UINT index, LCID, ITypeInfo** out) {
-  if (!out) return E_POINTER;
-  *out = nullptr;
-  ITypeInfo* info = self(p)->table->typeInfo.get();
-  if (index != 0 || !info) return DISP_E_BADINDEX;
-  info->AddRef();
-  *out = info;
-  return S_OK;
+  return com::typeInfoAt(self(p)->table->typeInfo.get(), index, out);
 }
 
 HRESULT STDMETHODCALLTYPE getIDsOfNames(void* p, REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
-  ITypeInfo* info = self(p)->table->typeInfo.get();
-  if (!info) return E_UNEXPECTED;
-  return DispGetIDsOfNames(info, names, count, ids);
+  return com::idsOfNames(self(p)->table->typeInfo.get(), names, count, ids);
 }
 
 HRESULT STDMETHODCALLTYPE invoke(void* p, DISPID dispid, REFIID riid, LCID, WORD flags, DISPPARAMS* params,
                                  VARIANT* result, EXCEPINFO* excep, UINT* argErr) {
-  if (riid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
-  ITypeInfo* info = self(p)->table->typeInfo.get();
-  if (!info) return E_UNEXPECTED;
-  return DispInvoke(p, info, dispid, flags, params, result, excep, argErr);
+  return com::invokeThrough(p, self(p)->table->typeInfo.get(), dispid, riid, flags, params, result, excep,
+                            argErr);
 }
 
 template <std::size_t I>
@@ -211,7 +199,6 @@ HRESULT createEntity(const EntityClass& cls, REFIID riid, void** out) {
     object->table = &table;
     object->values.reserve(cls.properties.size());
     for (const PropertyInfo& p : cls.properties) object->values.push_back(initialValue(p.type));
-    com::Module::objectCreated();
     void* p = object.release();
     HRESULT hr = queryInterface(p, riid, out);
     release(p);

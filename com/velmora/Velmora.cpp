@@ -1,5 +1,4 @@
-// Velmora.dll: the entity classes, clsDbConnection and Collection, their class factories and the
-// four exports of an in-process server.
+// Velmora.dll: the entity classes, clsDbConnection and Collection, and how each is made.
 
 #include <windows.h>
 
@@ -44,55 +43,22 @@ HRESULT create(const VelmoraClass& c, REFIID riid, void** out) {
   return createEntity(*cls, riid, out);
 }
 
-std::vector<com::ClassRegistration> registrations() {
-  std::vector<com::ClassRegistration> out;
-  for (const VelmoraClass& c : kClasses) out.push_back({c.clsid, c.progId, c.progId});
-  return out;
-}
-
 }  // namespace
 
 }  // namespace tovrand::velmora
 
-using namespace tovrand::velmora;
-using tovrand::com::Module;
+namespace tovrand::com {
 
-extern "C" {
-
-BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
-  if (reason == DLL_PROCESS_ATTACH) {
-    Module::setHandle(instance);
-    DisableThreadLibraryCalls(instance);
-  }
-  return TRUE;
+// The classes of kClasses, in its order.
+std::span<const ServerClass> serverClasses() {
+  static const std::vector<ServerClass> classes = [] {
+    std::vector<ServerClass> out;
+    for (const velmora::VelmoraClass& c : velmora::kClasses)
+      out.push_back(
+          {c.clsid, c.progId, [&c](REFIID iid, void** object) { return velmora::create(c, iid, object); }});
+    return out;
+  }();
+  return classes;
 }
 
-STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, LPVOID* out) {
-  if (!out) return E_POINTER;
-  *out = nullptr;
-  try {
-    for (const VelmoraClass& c : kClasses) {
-      if (clsid != tovrand::com::guidOf(c.clsid)) continue;
-      const VelmoraClass* which = &c;
-      return tovrand::com::makeFactory(
-          [which](REFIID iid, void** object) { return create(*which, iid, object); }, riid, out);
-    }
-    return CLASS_E_CLASSNOTAVAILABLE;
-  } catch (...) {
-    return E_UNEXPECTED;
-  }
-}
-
-STDAPI DllCanUnloadNow() {
-  return Module::canUnload() ? S_OK : S_FALSE;
-}
-
-STDAPI DllRegisterServer() {
-  return tovrand::com::registerServer(registrations());
-}
-
-STDAPI DllUnregisterServer() {
-  return tovrand::com::unregisterServer(registrations());
-}
-
-}  // extern "C"
+}  // namespace tovrand::com
