@@ -165,7 +165,7 @@ int digitsAt(std::string_view text, std::size_t at, std::size_t count) {
 
 }  // namespace
 
-std::vector<ColumnInfo> describeColumns(SQLHSTMT stmt, std::string_view secret) {
+std::vector<ColumnInfo> describeColumns(SQLHSTMT stmt, std::string_view secret, BaseNames baseNames) {
   SQLSMALLINT count = 0;
   check(SQLNumResultCols(stmt, &count), SQL_HANDLE_STMT, stmt, "reading the result columns", secret);
   std::vector<ColumnInfo> columns(static_cast<std::size_t>(count));
@@ -181,6 +181,8 @@ std::vector<ColumnInfo> describeColumns(SQLHSTMT stmt, std::string_view secret) 
     SQLColAttributeW(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_UNSIGNED, nullptr, 0, nullptr, &isUnsigned);
     c.isUnsigned = isUnsigned == SQL_TRUE;
     c.kind = kindOf(c.sqlType, c.isUnsigned);
+    // Only edits need the base names, and the driver makes each of these attributes expensive.
+    if (baseNames == BaseNames::Skip) continue;
     c.baseTable = textAttribute(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_BASE_TABLE_NAME);
     c.baseColumn = textAttribute(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_BASE_COLUMN_NAME);
     if (!c.baseTable.empty())

@@ -101,7 +101,9 @@ struct ColumnInfo {
 };
 
 // The result columns of a prepared or executed statement.
-std::vector<ColumnInfo> describeColumns(SQLHSTMT stmt, std::string_view secret);
+// Whether the description carries each column's base table, base column and catalog.
+enum class BaseNames { Read, Skip };
+std::vector<ColumnInfo> describeColumns(SQLHSTMT stmt, std::string_view secret, BaseNames baseNames);
 // The value of one column of the fetched row. Temporal columns are fetched as text, because the driver
 // hands the zero datetime 0000-00-00 00:00:00 to SQL_C_TYPE_TIMESTAMP as NULL.
 Value readColumn(SQLHSTMT stmt, SQLUSMALLINT number, const ColumnInfo& column, std::string_view secret);

@@ -88,7 +88,7 @@ struct OdbcConnection::Impl {
     Handle stmt(SQL_HANDLE_STMT, h);
     WideText text(sql);
     check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a query", secret);
-    std::vector<odbc::ColumnInfo> columns = odbc::describeColumns(h, secret);
+    std::vector<odbc::ColumnInfo> columns = odbc::describeColumns(h, secret, odbc::BaseNames::Skip);
     if (columns.empty()) return std::nullopt;
     if (asText) columns[0].kind = odbc::ColumnKind::Text;
     SQLRETURN rc = SQLFetch(h);

@@ -392,7 +392,7 @@ void OdbcRecordset::Open(const std::string& source, const std::shared_ptr<Connec
   try {
     if (m.updatable) {
       check(SQLPrepareW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "preparing the query", m.secret());
-      m.columns = odbc::describeColumns(h, m.secret());
+      m.columns = odbc::describeColumns(h, m.secret(), odbc::BaseNames::Read);
       if (m.columns.empty()) {
         check(SQLExecute(h), SQL_HANDLE_STMT, h, "running the statement", m.secret());
         m.close();
@@ -401,7 +401,7 @@ void OdbcRecordset::Open(const std::string& source, const std::shared_ptr<Connec
     } else {
       check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running the query",
             m.secret());
-      m.columns = odbc::describeColumns(h, m.secret());
+      m.columns = odbc::describeColumns(h, m.secret(), odbc::BaseNames::Skip);
       if (m.columns.empty()) {
         m.close();
         return;
