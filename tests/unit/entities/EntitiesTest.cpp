@@ -10,20 +10,10 @@
 #include "entities/Collection.h"
 #include "entities/Entities.h"
 #include "frame/VbError.h"
+#include "tests/support/ExpectVbError.h"
 
 namespace tovrand {
 namespace {
-
-#define EXPECT_VB_ERROR(statement, expectedNumber, expectedDescription)    \
-  do {                                                                     \
-    try {                                                                  \
-      (void)(statement);                                                   \
-      ADD_FAILURE() << "no error raised by " #statement;                   \
-    } catch (const VbError& error) {                                       \
-      EXPECT_EQ(error.number(), (expectedNumber)) << #statement;           \
-      EXPECT_EQ(error.description(), (expectedDescription)) << #statement; \
-    }                                                                      \
-  } while (false)
 
 using P = PropertyType;
 using Members = std::vector<std::pair<std::string_view, PropertyType>>;

@@ -7,20 +7,10 @@
 #include "frame/RegionalSettings.h"
 #include "frame/Value.h"
 #include "frame/VbError.h"
+#include "tests/support/ExpectVbError.h"
 
 namespace tovrand {
 namespace {
-
-#define EXPECT_VB_ERROR(statement, expectedNumber, expectedDescription)    \
-  do {                                                                     \
-    try {                                                                  \
-      (void)(statement);                                                   \
-      ADD_FAILURE() << "no error raised by " #statement;                   \
-    } catch (const VbError& error) {                                       \
-      EXPECT_EQ(error.number(), (expectedNumber)) << #statement;           \
-      EXPECT_EQ(error.description(), (expectedDescription)) << #statement; \
-    }                                                                      \
-  } while (false)
 
 DateParts parts(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
   DateParts p;

@@ -7,21 +7,12 @@
 
 #include "frame/Value.h"
 #include "frame/VbError.h"
+#include "tests/support/ExpectVbError.h"
 
 namespace tovrand {
 namespace {
 
 // Runs `statement` and checks it raises the VB run-time error with this number and description.
-#define EXPECT_VB_ERROR(statement, expectedNumber, expectedDescription)    \
-  do {                                                                     \
-    try {                                                                  \
-      (void)(statement);                                                   \
-      ADD_FAILURE() << "no error raised by " #statement;                   \
-    } catch (const VbError& error) {                                       \
-      EXPECT_EQ(error.number(), (expectedNumber)) << #statement;           \
-      EXPECT_EQ(error.description(), (expectedDescription)) << #statement; \
-    }                                                                      \
-  } while (false)
 
 constexpr const char* kTypeMismatch = "Type mismatch";
 constexpr const char* kInvalidUseOfNull = "Invalid use of Null";
