@@ -92,11 +92,17 @@ std::string CStr(double v);  // %.15G form, "-0" printed as "0"
 std::string CStr(std::int16_t v);
 std::string CStr(std::int32_t v);
 std::string CStr(VbDate v);  // general date form of the RegionalSettings
-inline std::string CStr(const std::string& v) { return v; }
-inline std::string CStr(const char* v) { return v; }
+inline std::string CStr(const std::string& v) {
+  return v;
+}
+inline std::string CStr(const char* v) {
+  return v;
+}
 
 // IIf(IsNull(v), fallback, v): the NULL-default reading of a column.
-inline Value IIfNull(const Value& v, const Value& fallback) { return v.isNull() ? fallback : v; }
+inline Value IIfNull(const Value& v, const Value& fallback) {
+  return v.isNull() ? fallback : v;
+}
 
 // A readable form for diagnostics and the command-line protocol ("Empty", "Null", or the CStr text).
 std::string describe(const Value& v);
