@@ -4,15 +4,22 @@ JOBS ?= $(shell nproc)
 BUILD ?= build
 ASAN_BUILD ?= build-asan
 
-.PHONY: all setup setup-com build build-asan demo test test-native test-asan com test-com bench format clean
+.PHONY: all setup setup-com setup-bench build build-asan demo test test-native test-asan com test-com bench format clean
 
 all: build
 
+# Installs the Debian packages, then checks that every program and file the job needs is here (a
+# missing one is named with its package, before anything starts).
 setup:
 	scripts/setup
+	scripts/require native
 
 setup-com:
 	scripts/setup --com
+	scripts/require com
+
+setup-bench: setup
+	scripts/require bench
 
 build: setup
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
@@ -41,7 +48,7 @@ com: setup-com
 test-com: setup-com
 	scripts/com-test
 
-bench: setup
+bench: setup-bench
 	cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DTOVRAND_BENCH=ON -DTOVRAND_TESTS=ON
 	cmake --build build-bench -j$(JOBS)
 	build-bench/bench/tovrand_bench
