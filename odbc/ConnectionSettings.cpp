@@ -39,6 +39,17 @@ std::string getEnv(const char* name) {
   return v ? std::string(v) : std::string();
 }
 
+int seconds(const std::string& key, const std::string& value, std::string_view where) {
+  bool digits = !value.empty() && value.size() <= 5;
+  for (char c : value) digits = digits && std::isdigit(static_cast<unsigned char>(c));
+  int n = digits ? std::atoi(value.c_str()) : 0;
+  if (n < 1 || n > 86400) {
+    fail("the option " + key + " of " + std::string(where) +
+         " must be a number of seconds from 1 to 86400, not '" + value + "'");
+  }
+  return n;
+}
+
 // Applies one option; returns false when the key is not an option.
 bool applyOption(ConnectionSettings& s, std::string_view key, const std::string& value,
                  std::string_view where) {
@@ -57,10 +68,21 @@ bool applyOption(ConnectionSettings& s, std::string_view key, const std::string&
     s.socket = value;
   } else if (k == "driver") {
     s.driver = value;
+  } else if (k == "timeout") {
+    s.timeoutSeconds = s.connectTimeoutSeconds = seconds(k, value, where);
+  } else if (k == "connect_timeout") {
+    s.connectTimeoutSeconds = seconds(k, value, where);
   } else {
     return false;
   }
   return true;
+}
+
+// The driver's timeouts: connecting, and each read and write of the server's answers.
+std::string timeoutAttributes(const ConnectionSettings& s) {
+  std::string readWrite = std::to_string(s.timeoutSeconds);
+  return "CONN_TIMEOUT=" + std::to_string(s.connectTimeoutSeconds) + ";READ_TIMEOUT=" + readWrite +
+         ";WRITE_TIMEOUT=" + readWrite + ";";
 }
 
 // Braces an ODBC attribute value when it holds characters that would end it.
@@ -159,10 +181,13 @@ ConnectionSettings ConnectionSettings::parse(std::string_view dsnText, std::stri
     std::string raw;
     for (auto& [key, value] : splitOdbc(std::string_view(dsn).substr(kOdbc.size()), where)) {
       std::string k = toLowerAscii(key);
-      if (k == "server_date" || k == "short_date" || k == "long_time") {
+      if (k == "server_date" || k == "short_date" || k == "long_time" || k == "timeout" ||
+          k == "connect_timeout") {
         applyOption(s, k, value, where);
         continue;
       }
+      // A raw string that sets the driver's timeouts itself keeps them.
+      if (k == "conn_timeout" || k == "read_timeout" || k == "write_timeout") s.rawTimeouts = true;
       if (k == "pwd" || k == "password") s.password = value;
       if (k == "uid" || k == "user") s.user = value;
       raw += key + "=" + odbcValue(value) + ";";
@@ -236,7 +261,7 @@ ConnectionSettings ConnectionSettings::parse(std::string_view dsnText, std::stri
     std::string key = urlDecode(pair.substr(0, eq));
     if (!applyOption(s, key, urlDecode(pair.substr(eq + 1)), origin)) {
       fail(std::string(origin) + " has an unknown option '" + key +
-           "' (known: server_date, short_date, long_time, socket, driver)");
+           "' (known: server_date, short_date, long_time, socket, driver, timeout, connect_timeout)");
     }
   }
   return s;
@@ -284,7 +309,7 @@ ConnectionSettings ConnectionSettings::resolve(const std::optional<std::string>&
 }
 
 std::string ConnectionSettings::odbcConnectionString() const {
-  if (!rawOdbc.empty()) return rawOdbc;
+  if (!rawOdbc.empty()) return rawTimeouts ? rawOdbc : rawOdbc + timeoutAttributes(*this);
   std::string d = driver.empty() ? defaultDriver() : driver;
   std::string out =
       "DRIVER=" +
@@ -299,8 +324,8 @@ std::string ConnectionSettings::odbcConnectionString() const {
   out += "DATABASE=" + odbcValue(database) + ";";
   out += "UID=" + odbcValue(user) + ";";
   out += "PWD=" + odbcValue(password) + ";";
-  // A down server must fail in seconds, never hang.
-  out += "CHARSET=utf8mb4;CONN_TIMEOUT=5;";
+  // A down or frozen server must fail within the timeout, never hang.
+  out += "CHARSET=utf8mb4;" + timeoutAttributes(*this);
   return out;
 }
 

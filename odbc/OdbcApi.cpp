@@ -78,13 +78,31 @@ VbError toVbError(const Diagnostic& diagnostic, std::string_view context, std::s
   return VbError(vberr::kProviderError, blankOut(std::move(text), secret));
 }
 
+bool isConnectionLost(const Diagnostic& diagnostic) {
+  switch (diagnostic.nativeError) {
+    case 1053:  // server shutdown in progress
+    case 1927:  // connection was killed
+    case 2006:  // server has gone away
+    case 2013:  // lost connection to server during query (also a read or write timeout)
+    case 2055:  // lost connection to server at ...
+    case 5013:  // the client library's read error on the socket
+    case 5014:  // the client library's write error (broken pipe)
+      return true;
+    default:
+      // 08S01 communication link failure, 08003 connection not open, ...
+      return diagnostic.sqlState.rfind("08", 0) == 0;
+  }
+}
+
 void check(SQLRETURN rc, SQLSMALLINT handleType, SQLHANDLE handle, std::string_view context,
            std::string_view secret) {
   if (SQL_SUCCEEDED(rc) || rc == SQL_NO_DATA) return;
   if (rc == SQL_INVALID_HANDLE) {
     throw VbError(vberr::kProviderError, std::string(context) + " failed: invalid ODBC handle");
   }
-  throw toVbError(diagnosticOf(handleType, handle), context, secret);
+  Diagnostic diagnostic = diagnosticOf(handleType, handle);
+  if (isConnectionLost(diagnostic)) throw ConnectionLost(toVbError(diagnostic, context, secret));
+  throw toVbError(diagnostic, context, secret);
 }
 
 namespace {

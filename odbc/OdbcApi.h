@@ -83,6 +83,16 @@ std::string stripDriverPrefixes(std::string_view message);
 // `secret` (the password) is blanked out of the text wherever it would appear.
 VbError toVbError(const Diagnostic& diagnostic, std::string_view context, std::string_view secret);
 
+// The session is gone: killed, timed out, the server shut down or out of reach. Nothing more can run
+// on that connection; its owner opens a new one before the next statement (never re-sending the one
+// that failed, which may have run). Raised by check() in place of a plain VbError, with the same
+// number and text.
+class ConnectionLost : public VbError {
+ public:
+  explicit ConnectionLost(VbError error) : VbError(std::move(error)) {}
+};
+bool isConnectionLost(const Diagnostic& diagnostic);
+
 // Raises the handle's diagnostic when `rc` is a failure; returns otherwise.
 void check(SQLRETURN rc, SQLSMALLINT handleType, SQLHANDLE handle, std::string_view context,
            std::string_view secret = {});

@@ -57,44 +57,115 @@ std::string secretOf(const ConnectionSettings& s) {
 struct OdbcConnection::Impl {
   ConnectionSettings settings;
   std::string secret;
-  std::shared_ptr<Handle> env;  // declared before dbc: freed after it
+  std::shared_ptr<Handle> env;  // declared before the connections: freed after them
   Handle dbc;
   bool connected = false;
+  // The session was lost; the next statement opens a new one.
+  bool lost = false;
+  // Connections given up after their session was lost. Recordsets may still hold statements
+  // allocated on them, so they are disconnected and freed only when this object goes.
+  std::vector<Handle> retired;
+  odbc::Mutex mutex;  // around reconnecting
   odbc::Mutex keysMutex;
   std::map<std::string, std::vector<std::string>> primaryKeys;
 
   ~Impl() {
     if (connected) SQLDisconnect(dbc.get());
+    for (Handle& r : retired) SQLDisconnect(r.get());
   }
 
-  void run(std::string_view sql) {
+  // Connects and sets the session up: the server's table-name folding checked, the clock pinned.
+  void open() {
     SQLHANDLE h = SQL_NULL_HANDLE;
-    check(SQLAllocHandle(SQL_HANDLE_STMT, dbc.get(), &h), SQL_HANDLE_DBC, dbc.get(), "allocating a statement",
-          secret);
-    Handle stmt(SQL_HANDLE_STMT, h);
-    WideText text(sql);
-    check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a statement", secret);
-    for (;;) {
-      SQLRETURN rc = SQLMoreResults(h);
-      if (rc == SQL_NO_DATA) break;
-      check(rc, SQL_HANDLE_STMT, h, "running a statement", secret);
+    check(SQLAllocHandle(SQL_HANDLE_DBC, env->get(), &h), SQL_HANDLE_ENV, env->get(),
+          "allocating a connection", secret);
+    dbc = Handle(SQL_HANDLE_DBC, h);
+    SQLSetConnectAttrW(h, SQL_ATTR_LOGIN_TIMEOUT,
+                       reinterpret_cast<SQLPOINTER>(static_cast<SQLLEN>(settings.connectTimeoutSeconds)), 0);
+    SQLSetConnectAttrW(h, SQL_ATTR_AUTOCOMMIT,
+                       reinterpret_cast<SQLPOINTER>(static_cast<SQLLEN>(SQL_AUTOCOMMIT_ON)), 0);
+
+    WideText connectionString(settings.odbcConnectionString());
+    SQLRETURN rc = SQLDriverConnectW(h, nullptr, connectionString.get(), connectionString.length(), nullptr,
+                                     0, nullptr, SQL_DRIVER_NOPROMPT);
+    if (!SQL_SUCCEEDED(rc)) {
+      VbError e = odbc::toVbError(odbc::diagnosticOf(SQL_HANDLE_DBC, h), "connecting", secret);
+      throw VbError(vberr::kProviderError,
+                    "cannot connect to the database " + settings.redacted() + ": " + e.description());
+    }
+    connected = true;
+
+    // The component writes table names in mixed case (t_porder, T_POrder); a case-sensitive server
+    // would silently address tables that do not exist.
+    std::optional<Value> lowerCase = firstValue("select @@lower_case_table_names");
+    if (lowerCase && !lowerCase->isNull() && CStr(*lowerCase) == "0") {
+      throw VbError(
+          vberr::kProviderError,
+          "the server runs with lower_case_table_names=0; Tovrand needs lower_case_table_names=1 (table "
+          "names are written in mixed case, as on a Windows server): start the server with "
+          "--lower-case-table-names=1");
+    }
+    if (!settings.serverDate.empty()) {
+      run("SET timestamp = UNIX_TIMESTAMP('" + settings.serverDate + " 12:00:00')");
     }
   }
 
+  // The connection statements are allocated on. After a lost session a new one is opened here, at the
+  // next statement: nothing is re-sent, so a statement that may have run never runs twice.
+  SQLHDBC live() {
+    odbc::Guard lock(mutex);
+    if (lost) {
+      if (connected) retired.push_back(std::move(dbc));
+      connected = false;
+      open();
+      lost = false;
+    }
+    return dbc.get();
+  }
+
+  // Runs `f`, noting a lost session on the way out.
+  template <class F>
+  auto guarded(F&& f) -> decltype(f()) {
+    try {
+      return f();
+    } catch (const odbc::ConnectionLost&) {
+      lost = true;
+      throw;
+    }
+  }
+
+  void run(std::string_view sql) {
+    guarded([&] {
+      SQLHDBC d = dbc.get();
+      SQLHANDLE h = SQL_NULL_HANDLE;
+      check(SQLAllocHandle(SQL_HANDLE_STMT, d, &h), SQL_HANDLE_DBC, d, "allocating a statement", secret);
+      Handle stmt(SQL_HANDLE_STMT, h);
+      WideText text(sql);
+      check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a statement", secret);
+      for (;;) {
+        SQLRETURN rc = SQLMoreResults(h);
+        if (rc == SQL_NO_DATA) break;
+        check(rc, SQL_HANDLE_STMT, h, "running a statement", secret);
+      }
+    });
+  }
+
   std::optional<Value> firstValue(std::string_view sql, bool asText = false) {
-    SQLHANDLE h = SQL_NULL_HANDLE;
-    check(SQLAllocHandle(SQL_HANDLE_STMT, dbc.get(), &h), SQL_HANDLE_DBC, dbc.get(), "allocating a statement",
-          secret);
-    Handle stmt(SQL_HANDLE_STMT, h);
-    WideText text(sql);
-    check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a query", secret);
-    std::vector<odbc::ColumnInfo> columns = odbc::describeColumns(h, secret, odbc::BaseNames::Skip);
-    if (columns.empty()) return std::nullopt;
-    if (asText) columns[0].kind = odbc::ColumnKind::Text;
-    SQLRETURN rc = SQLFetch(h);
-    if (rc == SQL_NO_DATA) return std::nullopt;
-    check(rc, SQL_HANDLE_STMT, h, "fetching a row", secret);
-    return odbc::readColumn(h, 1, columns[0], secret);
+    return guarded([&]() -> std::optional<Value> {
+      SQLHDBC d = dbc.get();
+      SQLHANDLE h = SQL_NULL_HANDLE;
+      check(SQLAllocHandle(SQL_HANDLE_STMT, d, &h), SQL_HANDLE_DBC, d, "allocating a statement", secret);
+      Handle stmt(SQL_HANDLE_STMT, h);
+      WideText text(sql);
+      check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a query", secret);
+      std::vector<odbc::ColumnInfo> columns = odbc::describeColumns(h, secret, odbc::BaseNames::Skip);
+      if (columns.empty()) return std::nullopt;
+      if (asText) columns[0].kind = odbc::ColumnKind::Text;
+      SQLRETURN rc = SQLFetch(h);
+      if (rc == SQL_NO_DATA) return std::nullopt;
+      check(rc, SQL_HANDLE_STMT, h, "fetching a row", secret);
+      return odbc::readColumn(h, 1, columns[0], secret);
+    });
   }
 };
 
@@ -106,38 +177,7 @@ std::shared_ptr<OdbcConnection> OdbcConnection::connect(const ConnectionSettings
   impl->settings = settings;
   impl->secret = secretOf(settings);
   impl->env = environment();
-  const std::string& secret = impl->secret;
-  SQLHANDLE h = SQL_NULL_HANDLE;
-  check(SQLAllocHandle(SQL_HANDLE_DBC, impl->env->get(), &h), SQL_HANDLE_ENV, impl->env->get(),
-        "allocating a connection", secret);
-  impl->dbc = Handle(SQL_HANDLE_DBC, h);
-  SQLSetConnectAttrW(h, SQL_ATTR_LOGIN_TIMEOUT, reinterpret_cast<SQLPOINTER>(static_cast<SQLLEN>(5)), 0);
-  SQLSetConnectAttrW(h, SQL_ATTR_AUTOCOMMIT,
-                     reinterpret_cast<SQLPOINTER>(static_cast<SQLLEN>(SQL_AUTOCOMMIT_ON)), 0);
-
-  WideText connectionString(settings.odbcConnectionString());
-  SQLRETURN rc = SQLDriverConnectW(h, nullptr, connectionString.get(), connectionString.length(), nullptr, 0,
-                                   nullptr, SQL_DRIVER_NOPROMPT);
-  if (!SQL_SUCCEEDED(rc)) {
-    VbError e = odbc::toVbError(odbc::diagnosticOf(SQL_HANDLE_DBC, h), "connecting", secret);
-    throw VbError(vberr::kProviderError,
-                  "cannot connect to the database " + settings.redacted() + ": " + e.description());
-  }
-  impl->connected = true;
-
-  // The component writes table names in mixed case (t_porder, T_POrder); a case-sensitive server
-  // would silently address tables that do not exist.
-  std::optional<Value> lowerCase = impl->firstValue("select @@lower_case_table_names");
-  if (lowerCase && !lowerCase->isNull() && CStr(*lowerCase) == "0") {
-    throw VbError(
-        vberr::kProviderError,
-        "the server runs with lower_case_table_names=0; Tovrand needs lower_case_table_names=1 (table "
-        "names are written in mixed case, as on a Windows server): start the server with "
-        "--lower-case-table-names=1");
-  }
-  if (!settings.serverDate.empty()) {
-    impl->run("SET timestamp = UNIX_TIMESTAMP('" + settings.serverDate + " 12:00:00')");
-  }
+  impl->open();
   return std::shared_ptr<OdbcConnection>(new OdbcConnection(std::move(impl)));
 }
 
@@ -172,13 +212,21 @@ const ConnectionSettings& OdbcConnection::settings() const {
   return impl_->settings;
 }
 void OdbcConnection::execute(std::string_view sql) {
+  impl_->live();
   impl_->run(sql);
 }
 std::optional<Value> OdbcConnection::scalar(std::string_view sql, bool asText) {
+  impl_->live();
   return impl_->firstValue(sql, asText);
 }
-void* OdbcConnection::nativeHandle() const {
-  return impl_->dbc.get();
+void* OdbcConnection::nativeHandle() {
+  return impl_->live();
+}
+void OdbcConnection::markLost() {
+  impl_->lost = true;
+}
+bool OdbcConnection::isLost() const {
+  return impl_->lost;
 }
 const std::string& OdbcConnection::secret() const {
   return impl_->secret;
@@ -191,34 +239,36 @@ std::vector<std::string> OdbcConnection::primaryKey(const std::string& catalog, 
     if (auto it = impl_->primaryKeys.find(key); it != impl_->primaryKeys.end()) return it->second;
   }
   const std::string& secret = impl_->secret;
-  SQLHANDLE h = SQL_NULL_HANDLE;
-  check(SQLAllocHandle(SQL_HANDLE_STMT, impl_->dbc.get(), &h), SQL_HANDLE_DBC, impl_->dbc.get(),
-        "allocating a statement", secret);
-  Handle stmt(SQL_HANDLE_STMT, h);
-  WideText cat(catalog), tab(table);
-  check(SQLPrimaryKeysW(h, catalog.empty() ? nullptr : cat.get(), catalog.empty() ? 0 : SQL_NTS, nullptr, 0,
-                        tab.get(), SQL_NTS),
-        SQL_HANDLE_STMT, h, "reading the primary key", secret);
-  std::vector<std::pair<int, std::string>> columns;
-  for (;;) {
-    SQLRETURN rc = SQLFetch(h);
-    if (rc == SQL_NO_DATA) break;
-    check(rc, SQL_HANDLE_STMT, h, "reading the primary key", secret);
-    SQLWCHAR name[256] = {};
-    SQLLEN indicator = 0;
-    SQLSMALLINT sequence = 0;
-    check(SQLGetData(h, 4, SQL_C_WCHAR, name, sizeof name, &indicator), SQL_HANDLE_STMT, h,
-          "reading the primary key", secret);
-    check(SQLGetData(h, 5, SQL_C_SSHORT, &sequence, 0, &indicator), SQL_HANDLE_STMT, h,
-          "reading the primary key", secret);
-    columns.emplace_back(sequence, odbc::fromWide(name));
-  }
-  std::sort(columns.begin(), columns.end());
-  std::vector<std::string> names;
-  for (auto& [sequence, name] : columns) names.push_back(name);
-  odbc::Guard lock(impl_->keysMutex);
-  impl_->primaryKeys[key] = names;
-  return names;
+  SQLHDBC dbc = impl_->live();
+  return impl_->guarded([&] {
+    SQLHANDLE h = SQL_NULL_HANDLE;
+    check(SQLAllocHandle(SQL_HANDLE_STMT, dbc, &h), SQL_HANDLE_DBC, dbc, "allocating a statement", secret);
+    Handle stmt(SQL_HANDLE_STMT, h);
+    WideText cat(catalog), tab(table);
+    check(SQLPrimaryKeysW(h, catalog.empty() ? nullptr : cat.get(), catalog.empty() ? 0 : SQL_NTS, nullptr, 0,
+                          tab.get(), SQL_NTS),
+          SQL_HANDLE_STMT, h, "reading the primary key", secret);
+    std::vector<std::pair<int, std::string>> columns;
+    for (;;) {
+      SQLRETURN rc = SQLFetch(h);
+      if (rc == SQL_NO_DATA) break;
+      check(rc, SQL_HANDLE_STMT, h, "reading the primary key", secret);
+      SQLWCHAR name[256] = {};
+      SQLLEN indicator = 0;
+      SQLSMALLINT sequence = 0;
+      check(SQLGetData(h, 4, SQL_C_WCHAR, name, sizeof name, &indicator), SQL_HANDLE_STMT, h,
+            "reading the primary key", secret);
+      check(SQLGetData(h, 5, SQL_C_SSHORT, &sequence, 0, &indicator), SQL_HANDLE_STMT, h,
+            "reading the primary key", secret);
+      columns.emplace_back(sequence, odbc::fromWide(name));
+    }
+    std::sort(columns.begin(), columns.end());
+    std::vector<std::string> names;
+    for (auto& [sequence, name] : columns) names.push_back(name);
+    odbc::Guard lock(impl_->keysMutex);
+    impl_->primaryKeys[key] = names;
+    return names;
+  });
 }
 
 }  // namespace tovrand

@@ -16,6 +16,10 @@ namespace tovrand {
 // server that runs with lower_case_table_names=0 and, when the settings carry server_date, pins the
 // session's timestamp to noon of that date so that curdate() answers it.
 //
+// A lost session (killed, timed out, the server restarted) fails the statement that met it with the
+// driver's error, which the method's handler reports; the connection then reconnects before the next
+// statement anyone sends on it. Nothing is ever re-sent: a statement that failed may have run.
+//
 // acquire() shares one connection per connection string per process: every holder of the same
 // settings gets the same object, and the physical connection ends when the last reference goes (the
 // holders' and the recordsets' that still run on it).
@@ -42,8 +46,13 @@ class OdbcConnection final : public Connection {
   // `asText`: the value as the server's text (String), else as a recordset reads it.
   std::optional<Value> scalar(std::string_view sql, bool asText = false);
 
-  // For the engine: the SQLHDBC, and the primary-key columns of a base table (cached per table).
-  void* nativeHandle() const;
+  // For the engine: the SQLHDBC to allocate statements on, and the primary-key columns of a base table
+  // (cached per table). After a lost session (markLost) the next nativeHandle() connects anew and sets
+  // the session up again; it raises when the server cannot be reached.
+  void* nativeHandle();
+  // The session is gone (the engine saw a lost-connection error): the next statement reconnects.
+  void markLost();
+  bool isLost() const;
   std::vector<std::string> primaryKey(const std::string& catalog, const std::string& table);
   // The text no message may show (the password).
   const std::string& secret() const;

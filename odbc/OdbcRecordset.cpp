@@ -171,6 +171,10 @@ struct OdbcRecordset::Impl {
   }
 
   void fetch() {
+    guarded([&] { fetchRow(); });
+  }
+
+  void fetchRow() {
     SQLRETURN rc = SQLFetch(handle());
     if (rc == SQL_NO_DATA) {
       eof = true;
@@ -195,8 +199,22 @@ struct OdbcRecordset::Impl {
 
   void ensureExecuted() {
     if (executed) return;
-    check(SQLExecute(handle()), SQL_HANDLE_STMT, handle(), "running the query", secret());
-    fetchFirst();
+    guarded([&] {
+      check(SQLExecute(handle()), SQL_HANDLE_STMT, handle(), "running the query", secret());
+      fetchFirst();
+    });
+  }
+
+  // Runs driver calls of this recordset's connection, noting a lost session so that the connection
+  // reconnects before its next statement.
+  template <class F>
+  auto guarded(F&& f) -> decltype(f()) {
+    try {
+      return f();
+    } catch (const odbc::ConnectionLost&) {
+      connection->markLost();
+      throw;
+    }
   }
 
   bool hasCurrentRow() {
@@ -210,7 +228,10 @@ struct OdbcRecordset::Impl {
   Handle newStatement() {
     SQLHDBC dbc = static_cast<SQLHDBC>(connection->nativeHandle());
     SQLHANDLE h = SQL_NULL_HANDLE;
-    check(SQLAllocHandle(SQL_HANDLE_STMT, dbc, &h), SQL_HANDLE_DBC, dbc, "allocating a statement", secret());
+    guarded([&] {
+      check(SQLAllocHandle(SQL_HANDLE_STMT, dbc, &h), SQL_HANDLE_DBC, dbc, "allocating a statement",
+            secret());
+    });
     return Handle(SQL_HANDLE_STMT, h);
   }
 
@@ -219,10 +240,12 @@ struct OdbcRecordset::Impl {
     traceStatement(sql, StatementOrigin::Engine);
     Handle s = newStatement();
     WideText text(sql);
-    check(SQLPrepareW(s.get(), text.get(), text.length()), SQL_HANDLE_STMT, s.get(), "preparing a statement",
-          secret());
-    bindParameters(s.get(), parameters, secret());
-    check(SQLExecute(s.get()), SQL_HANDLE_STMT, s.get(), "storing the row", secret());
+    guarded([&] {
+      check(SQLPrepareW(s.get(), text.get(), text.length()), SQL_HANDLE_STMT, s.get(),
+            "preparing a statement", secret());
+      bindParameters(s.get(), parameters, secret());
+      check(SQLExecute(s.get()), SQL_HANDLE_STMT, s.get(), "storing the row", secret());
+    });
   }
 
   const ColumnInfo& writableColumn(std::size_t index) const {
@@ -390,29 +413,32 @@ void OdbcRecordset::Open(const std::string& source, const std::shared_ptr<Connec
   WideText text(source);
   traceStatement(source, StatementOrigin::Method);
   try {
-    if (m.updatable) {
-      check(SQLPrepareW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "preparing the query", m.secret());
-      m.columns = odbc::describeColumns(h, m.secret(), odbc::BaseNames::Read);
-      if (m.columns.empty()) {
-        check(SQLExecute(h), SQL_HANDLE_STMT, h, "running the statement", m.secret());
-        m.close();
-        return;
+    m.guarded([&] {
+      if (m.updatable) {
+        check(SQLPrepareW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "preparing the query",
+              m.secret());
+        m.columns = odbc::describeColumns(h, m.secret(), odbc::BaseNames::Read);
+        if (m.columns.empty()) {
+          check(SQLExecute(h), SQL_HANDLE_STMT, h, "running the statement", m.secret());
+          m.close();
+          return;
+        }
+      } else {
+        check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running the query",
+              m.secret());
+        m.columns = odbc::describeColumns(h, m.secret(), odbc::BaseNames::Skip);
+        if (m.columns.empty()) {
+          m.close();
+          return;
+        }
+        m.fetchFirst();
       }
-    } else {
-      check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running the query",
-            m.secret());
-      m.columns = odbc::describeColumns(h, m.secret(), odbc::BaseNames::Skip);
-      if (m.columns.empty()) {
-        m.close();
-        return;
-      }
-      m.fetchFirst();
-    }
+      m.open = true;
+    });
   } catch (...) {
     m.close();
     throw;
   }
-  m.open = true;
 }
 
 bool OdbcRecordset::IsOpen() const {

@@ -43,7 +43,7 @@ TEST(ConnectionSettingsTest, ReadsAHostPortUrl) {
   EXPECT_EQ(s.database, "production");
   EXPECT_EQ(s.odbcConnectionString(),
             "DRIVER={MariaDB Unicode};SERVER=db.example.com;PORT=3307;DATABASE=production;UID=erp;PWD=pa@ss;"
-            "CHARSET=utf8mb4;CONN_TIMEOUT=5;");
+            "CHARSET=utf8mb4;CONN_TIMEOUT=10;READ_TIMEOUT=30;WRITE_TIMEOUT=30;");
 }
 
 TEST(ConnectionSettingsTest, ReadsASocketUrlAndItsOptionsUrlDecoded) {
@@ -57,7 +57,7 @@ TEST(ConnectionSettingsTest, ReadsASocketUrlAndItsOptionsUrlDecoded) {
   EXPECT_EQ(
       s.odbcConnectionString(),
       "DRIVER={MariaDB Unicode};SERVER=localhost;SOCKET=/tmp/x/mysqld.sock;DATABASE=tovrand;UID=tovrand;"
-      "PWD=tovrand;CHARSET=utf8mb4;CONN_TIMEOUT=5;");
+      "PWD=tovrand;CHARSET=utf8mb4;CONN_TIMEOUT=10;READ_TIMEOUT=30;WRITE_TIMEOUT=30;");
 }
 
 TEST(ConnectionSettingsTest, LocalhostWithAPortMeansTcp) {
@@ -69,8 +69,39 @@ TEST(ConnectionSettingsTest, TakesARawOdbcStringAndRemovesTheOptionsFromIt) {
   auto s = ConnectionSettings::parse("odbc:DSN=erp;UID=u;PWD={se;cret};server_date=2026-01-31");
   EXPECT_EQ(s.serverDate, "2026-01-31");
   EXPECT_EQ(s.password, "se;cret");
-  EXPECT_EQ(s.odbcConnectionString(), "DSN=erp;UID=u;PWD={se;cret};");
+  EXPECT_EQ(s.odbcConnectionString(),
+            "DSN=erp;UID=u;PWD={se;cret};CONN_TIMEOUT=10;READ_TIMEOUT=30;WRITE_TIMEOUT=30;");
   EXPECT_EQ(s.redacted(), "odbc:DSN=erp;UID=u;PWD=***;");
+}
+
+TEST(ConnectionSettingsTest, TimeoutSetsTheDriversConnectReadAndWriteTimeouts) {
+  auto s = ConnectionSettings::parse("mysql://u:p@h/d?timeout=7");
+  EXPECT_EQ(s.timeoutSeconds, 7);
+  EXPECT_EQ(s.connectTimeoutSeconds, 7);
+  EXPECT_TRUE(s.odbcConnectionString().ends_with(";CONN_TIMEOUT=7;READ_TIMEOUT=7;WRITE_TIMEOUT=7;"));
+
+  s = ConnectionSettings::parse("mysql://u:p@h/d?timeout=45&connect_timeout=3");
+  EXPECT_TRUE(s.odbcConnectionString().ends_with(";CONN_TIMEOUT=3;READ_TIMEOUT=45;WRITE_TIMEOUT=45;"));
+
+  s = ConnectionSettings::parse("odbc:DSN=erp;timeout=4;");
+  EXPECT_EQ(s.odbcConnectionString(), "DSN=erp;CONN_TIMEOUT=4;READ_TIMEOUT=4;WRITE_TIMEOUT=4;");
+}
+
+TEST(ConnectionSettingsTest, ARawStringThatSetsTheDriversTimeoutsKeepsThem) {
+  auto s = ConnectionSettings::parse("odbc:DSN=erp;READ_TIMEOUT=120;");
+  EXPECT_EQ(s.odbcConnectionString(), "DSN=erp;READ_TIMEOUT=120;");
+}
+
+TEST(ConnectionSettingsTest, ATimeoutThatIsNotAWholeNumberOfSecondsIsRefused) {
+  for (const char* bad : {"0", "-5", "abc", "1.5", "", "86401", "999999"}) {
+    try {
+      ConnectionSettings::parse(std::string("mysql://u:Secret99@h/d?timeout=") + bad);
+      ADD_FAILURE() << "timeout=" << bad << " was accepted";
+    } catch (const VbError& e) {
+      EXPECT_NE(e.description().find("the option timeout"), std::string::npos) << e.description();
+      EXPECT_EQ(e.description().find("Secret99"), std::string::npos);
+    }
+  }
 }
 
 TEST(ConnectionSettingsTest, MalformedSettingsRaiseAClearErrorWithoutThePassword) {
