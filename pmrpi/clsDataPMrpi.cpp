@@ -1,6 +1,5 @@
 #include "pmrpi/clsDataPMrpi.h"
 
-#include "frame/Messages.h"
 #include "frame/OpenForms.h"
 #include "frame/VbError.h"
 
@@ -52,6 +51,7 @@ std::int16_t clsDataPMrpi::UpdatePMrpiStatus(clsEntPMrpi& Entity) {
                 Entity.F_ItemNo() + "'",
             connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
     if (!noRows(rs)) {
+      // The first Update has nothing pending and stores nothing.
       rs.Update();
       rs.Fields("F_Status") = Entity.F_Status();
       rs.Update();
@@ -71,6 +71,7 @@ std::int16_t clsDataPMrpi::UpdatePMrphStatus(clsEntPMrph& Entity) {
     rs.Open("Select * From T_PMrph Where F_ProdNO='" + CStr(Entity.F_ProdNo()) + "'", connection(),
             adOpenKeyset, adLockPessimistic, adCmdUnspecified);
     if (!noRows(rs)) {
+      // The first Update has nothing pending and stores nothing.
       rs.Update();
       rs.Fields("F_Status") = Entity.F_Status();
       rs.Update();
@@ -141,8 +142,7 @@ std::int16_t clsDataPMrpi::QueryByIDForPur(Collection& colPMrpi, const double& d
     if (strItemNo == "") {
       sql =
           "select * from T_PMrpi where F_RequestQty > '0' and F_ProdNo in (select F_ProdNo from T_POrder "
-          "where "
-          "F_Status <> '1' and F_Status <> '2'";
+          "where F_Status <> '1' and F_Status <> '2'";
     } else {
       sql = "select * from T_PMrpi where F_ItemNo like '%" + strItemNo +
             "%' and F_RequestQty > '0' and F_ProdNo in (select F_ProdNo from T_POrder where F_Status <> '1' "
@@ -165,16 +165,7 @@ std::int16_t clsDataPMrpi::QueryByIDForPur(Collection& colPMrpi, const double& d
         // No such range: nothing is run and the collection stays as it was.
         return result;
     }
-    Recordset& rs = recordset();
-    openRead(rs, sql, connection());
-    while (!rs.EOF_()) {
-      clsEntPMrpi line = newEntity<clsEntPMrpi>();
-      readLine(rs, line);
-      colPMrpi.Add(line);
-      rs.MoveNext();
-      result = 1;
-    }
-    rs.Close();
+    result = appendLines(colPMrpi, sql);
   } catch (...) {
     queryHandler(result, {.dropRecordset = true, .result = 2});
   }
@@ -205,16 +196,7 @@ std::int16_t clsDataPMrpi::QueryByDeliverDate(Collection& colPMrpi, const VbDate
         // No such range: nothing is run and the collection stays as it was.
         return result;
     }
-    Recordset& rs = recordset();
-    openRead(rs, sql, connection());
-    while (!rs.EOF_()) {
-      clsEntPMrpi line = newEntity<clsEntPMrpi>();
-      readLine(rs, line);
-      colPMrpi.Add(line);
-      rs.MoveNext();
-      result = 1;
-    }
-    rs.Close();
+    result = appendLines(colPMrpi, sql);
   } catch (...) {
     queryHandler(result, {.dropRecordset = true, .result = 2});
   }
@@ -595,6 +577,21 @@ std::int16_t clsDataPMrpi::QueryAllNullRecord(Collection& objColl) {
   } catch (...) {
     writeHandler(result, {.dropRecordset = true, .result = 0});
   }
+  return result;
+}
+
+std::int16_t clsDataPMrpi::appendLines(Collection& colPMrpi, const std::string& sql) {
+  std::int16_t result = 0;
+  Recordset& rs = recordset();
+  openRead(rs, sql, connection());
+  while (!rs.EOF_()) {
+    clsEntPMrpi line = newEntity<clsEntPMrpi>();
+    readLine(rs, line);
+    colPMrpi.Add(line);
+    rs.MoveNext();
+    result = 1;
+  }
+  rs.Close();
   return result;
 }
 

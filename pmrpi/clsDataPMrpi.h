@@ -44,6 +44,12 @@ class clsDataPMrpi : public DataObject {
   Value getProdNoItemNo(Collection& objColl, const std::string& ProdNo);
   Value getProdNoItemNoByPMrpi(Collection& objColl, const std::string& ProdNo);
   std::int16_t QueryAllNullRecord(Collection& objColl);
+
+ private:
+  // The purchasing lists (QueryByIDForPur, QueryByDeliverDate): the read form of `sql` on m_Recordset,
+  // every row into a new line appended to the collection, then Close. 1 when a row was added, else 0;
+  // errors go to the caller's handler.
+  std::int16_t appendLines(Collection& colPMrpi, const std::string& sql);
 };
 
 }  // namespace tovrand

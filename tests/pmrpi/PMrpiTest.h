@@ -75,6 +75,20 @@ inline VbDate date(int y, int m, int d, int h = 0, int mi = 0, int s = 0) {
   return makeDate({y, m, d, h, mi, s});
 }
 
+// A planning line or header given only its production number and material, as callers pass them.
+inline clsEntPMrpi lineKey(double prodNo, const std::string& itemNo) {
+  clsEntPMrpi e;
+  e.F_ProdNo(prodNo);
+  e.F_ItemNo(itemNo);
+  return e;
+}
+inline clsEntPMrph headerKey(double prodNo, const std::string& itemNo) {
+  clsEntPMrph e;
+  e.F_ProdNo(prodNo);
+  e.F_ItemNo(itemNo);
+  return e;
+}
+
 // Entities as one line of text, for comparing whole lists.
 inline std::string describeLine(const clsEntPMrpi& e) {
   return CStr(e.F_ProdNo()) + "|" + e.F_ItemNo() + "|" + CStr(e.F_Dosage()) + "|" + CStr(e.F_Waste()) + "|" +

@@ -26,13 +26,6 @@ class ItemLookups : public PMrpiTest {
   }
 };
 
-clsEntPMrph headerKey(double prodNo, const std::string& itemNo) {
-  clsEntPMrph e;
-  e.F_ProdNo(prodNo);
-  e.F_ItemNo(itemNo);
-  return e;
-}
-
 clsEntEItem callersItem() {
   clsEntEItem e;
   e.F_ItemNo("MINE");

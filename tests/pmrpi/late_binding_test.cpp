@@ -39,19 +39,6 @@ class LateBinding : public PMrpiTest {
   std::unique_ptr<DispatchObject> object_;
 };
 
-Entity line(double prodNo, const std::string& itemNo) {
-  clsEntPMrpi e;
-  e.F_ProdNo(prodNo);
-  e.F_ItemNo(itemNo);
-  return e;
-}
-Entity header(double prodNo, const std::string& itemNo) {
-  clsEntPMrph e;
-  e.F_ProdNo(prodNo);
-  e.F_ItemNo(itemNo);
-  return e;
-}
-
 TEST_F(LateBinding, TheReleaseRoutineIsNotAMember) {
   EXPECT_EQ(cls_->find("DeleteReduceRecord"), nullptr);
   EXPECT_EQ(cls_->find("DeleteAllPMrpiRecord")->dispid, 0x6003000E);
@@ -71,10 +58,10 @@ TEST_F(LateBinding, EveryMemberIsBoundAndAnswersItsStatus) {
   item.F_ItemNo("RM-2001");
   std::vector<Call> calls;
   calls.push_back({"QueryPMrpiStatus", {collection(), Value(2026110001.0)}, Value(std::int16_t{1})});
-  calls.push_back({"UpdatePMrpiStatus", {line(2026110001, "RM-2001")}, Value(std::int16_t{0})});
+  calls.push_back({"UpdatePMrpiStatus", {lineKey(2026110001, "RM-2001")}, Value(std::int16_t{0})});
   calls.push_back({"UpdatePMrphStatus", {Entity(status)}, Value(std::int16_t{1})});
-  calls.push_back({"UpdateRecord", {line(2026110001, "RM-2009")}, Value(std::int16_t{0})});
-  calls.push_back({"QueryByID", {line(2026110001, "RM-2002")}, Value(std::int16_t{1})});
+  calls.push_back({"UpdateRecord", {lineKey(2026110001, "RM-2009")}, Value(std::int16_t{0})});
+  calls.push_back({"QueryByID", {lineKey(2026110001, "RM-2002")}, Value(std::int16_t{1})});
   calls.push_back(
       {"QueryByIDForPur",
        {collection(), Value(2026110001.0), Value(2026110001.0), Value(std::int16_t{1}), Value("")},
@@ -83,13 +70,13 @@ TEST_F(LateBinding, EveryMemberIsBoundAndAnswersItsStatus) {
                    {collection(), Value(date(2026, 12, 1)), Value(date(2026, 12, 1)), Value(std::int16_t{4})},
                    Value(std::int16_t{1})});
   calls.push_back(
-      {"GetRecordByCondition", {Entity(item), header(2026110001, "RM-2001")}, Value(std::int16_t{1})});
-  calls.push_back({"GetItemNoByProdNo", {collection(), header(2026110001, "")}, Value(std::int16_t{1})});
+      {"GetRecordByCondition", {Entity(item), headerKey(2026110001, "RM-2001")}, Value(std::int16_t{1})});
+  calls.push_back({"GetItemNoByProdNo", {collection(), headerKey(2026110001, "")}, Value(std::int16_t{1})});
   calls.push_back({"QueryItemNo", {collection(), Value("2026110001"), Value("2")}, Value(std::int16_t{1})});
   calls.push_back({"QueryEItemNo", {Entity(item)}, Value(std::int16_t{1})});
   calls.push_back({"QueryItemNoRecord", {collection(), Value("2026110001")}, Value(std::int16_t{1})});
   calls.push_back({"DeleteAllPMrpiRecord", {Value(2026110009.0)}, Value(std::int16_t{1})});
-  calls.push_back({"AddRecord", {line(2026110002, "RM-2001")}, Value(std::int16_t{1})});
+  calls.push_back({"AddRecord", {lineKey(2026110002, "RM-2001")}, Value(std::int16_t{1})});
   calls.push_back({"getProdNoItemNo", {collection(), Value("2026")}, Value()});
   calls.push_back({"getProdNoItemNoByPMrpi", {collection(), Value("2026110001")}, Value()});
   calls.push_back({"QueryAllNullRecord", {collection()}, Value(std::int16_t{1})});
@@ -118,7 +105,7 @@ TEST_F(LateBinding, GetProdNoItemNoByPMrpiAnswersEmptyAndFillsTheCallersCollecti
 }
 
 TEST_F(LateBinding, EntitiesComeBackFilledThroughTheCallersReference) {
-  Entity entity = line(2026110001, "RM-2001");
+  Entity entity = lineKey(2026110001, "RM-2001");
   std::vector<Argument> args{entity};
   EXPECT_EQ(call("QueryByID", args), Value(std::int16_t{1}));
   EXPECT_EQ(describeLine(clsEntPMrpi(entity)), "2026110001|RM-2001|2.5|0|0|12|7|0");
@@ -137,7 +124,7 @@ TEST_F(LateBinding, ScalarArgumentsAreConvertedAsVbConvertsThem) {
 TEST_F(LateBinding, AnArgumentOfTheWrongKindIsATypeMismatch) {
   std::vector<Argument> args{Value("not an entity")};
   EXPECT_VB_ERROR(call("QueryByID", args), vberr::kTypeMismatch, "Type mismatch");
-  std::vector<Argument> wrongClass{header(2026110001, "RM-2001")};
+  std::vector<Argument> wrongClass{headerKey(2026110001, "RM-2001")};
   EXPECT_VB_ERROR(call("AddRecord", wrongClass), vberr::kTypeMismatch, "Type mismatch");
   EXPECT_TRUE(statements().empty());
 }

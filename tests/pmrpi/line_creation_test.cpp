@@ -14,9 +14,7 @@ constexpr const char* kAllLines =
     "ifnull(F_LeadTime,'NULL'), ifnull(F_Status,'NULL')) order by F_ID separator ';') from t_pmrpi";
 
 clsEntPMrpi newLine(double prodNo, const std::string& itemNo) {
-  clsEntPMrpi e;
-  e.F_ProdNo(prodNo);
-  e.F_ItemNo(itemNo);
+  clsEntPMrpi e = lineKey(prodNo, itemNo);
   e.F_Dosage(0.32);
   e.F_Waste(0.02);
   e.F_SafeQty(50.0);

@@ -21,13 +21,6 @@ class LineQueries : public PMrpiTest {
   }
 };
 
-clsEntPMrpi lineKey(double prodNo, const std::string& itemNo) {
-  clsEntPMrpi e;
-  e.F_ProdNo(prodNo);
-  e.F_ItemNo(itemNo);
-  return e;
-}
-
 TEST_F(LineQueries, QueryByIDFillsTheEightColumnsOfTheLine) {
   clsEntPMrpi e = lineKey(2026110001, "RM-2001");
   EXPECT_EQ(pmrpi().QueryByID(e), 1);

@@ -31,9 +31,7 @@ class StatusUpdates : public PMrpiTest {
 };
 
 clsEntPMrpi lineWithStatus(double prodNo, const std::string& itemNo, std::int16_t status) {
-  clsEntPMrpi e;
-  e.F_ProdNo(prodNo);
-  e.F_ItemNo(itemNo);
+  clsEntPMrpi e = lineKey(prodNo, itemNo);
   e.F_Status(status);
   return e;
 }
@@ -123,9 +121,7 @@ TEST_F(StatusUpdates, UpdatePMrphStatusWithoutTheHeaderTableShowsTheDescriptionA
 }
 
 clsEntPMrpi fullLine(double prodNo, const std::string& itemNo) {
-  clsEntPMrpi e;
-  e.F_ProdNo(prodNo);
-  e.F_ItemNo(itemNo);
+  clsEntPMrpi e = lineKey(prodNo, itemNo);
   e.F_Dosage(0.75);
   e.F_Waste(0.05);
   e.F_SafeQty(20.0);
