@@ -2,6 +2,7 @@
 
 #include "pmrph/clsDataPMrph.h"
 #include "pmrpi/clsDataPMrpi.h"
+#include "pmrpi/clsDataPMrpiDispatch.h"
 #include "porder/clsDataPOrder.h"
 #include "porder/clsDataPOrderDispatch.h"
 #include "porderchk/clsDataPOrderChk.h"
@@ -31,7 +32,7 @@ std::unique_ptr<DispatchObject> createObject(const ClassInfo& cls, std::shared_p
   if (cls.name == "clsDataPOrderChk")
     return std::make_unique<UnboundObject<clsDataPOrderChk>>(cls, std::move(host));
   if (cls.name == "clsDataPMrph") return std::make_unique<UnboundObject<clsDataPMrph>>(cls, std::move(host));
-  if (cls.name == "clsDataPMrpi") return std::make_unique<UnboundObject<clsDataPMrpi>>(cls, std::move(host));
+  if (cls.name == "clsDataPMrpi") return makeDispatch(cls, std::make_unique<clsDataPMrpi>(std::move(host)));
   return nullptr;
 }
 

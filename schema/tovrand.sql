@@ -142,18 +142,24 @@ CREATE TABLE t_pmrph (
 ) ENGINE=InnoDB DEFAULT CHARSET=utf8mb4 COLLATE=utf8mb4_general_ci;
 
 -- Material planning lines: one per production order and material of its bill of material.
+-- Lines are keyed by an id so that a line whose material is NULL can exist (releasing its
+-- reservations then looks for material "0"); the unique key still refuses a second line for the
+-- same production order and material, and leads the look-ups by production number. Edits through a
+-- recordset (clsDataPMrpi.AddRecord, UpdateRecord, UpdatePMrpiStatus) find their row by F_ID.
 -- F_Status stays NULL on a line written one by one (clsDataPMrpi.AddRecord never sets it); the
 -- purchasing queries read it through IFNull(F_Status,0).
 CREATE TABLE t_pmrpi (
+  F_ID          INT          NOT NULL AUTO_INCREMENT,
   F_ProdNo      DOUBLE       NOT NULL,
-  F_ItemNo      VARCHAR(30)  NOT NULL,
+  F_ItemNo      VARCHAR(30)  NULL,
   F_Dosage      DOUBLE       NULL,
   F_Waste       DOUBLE       NULL,
   F_SafeQty     DOUBLE       NULL,
   F_RequestQty  DOUBLE       NULL,
   F_LeadTime    SMALLINT     NULL,
   F_Status      SMALLINT     NULL,
-  PRIMARY KEY (F_ProdNo, F_ItemNo),
+  PRIMARY KEY (F_ID),
+  UNIQUE KEY ux_pmrpi_prodno_itemno (F_ProdNo, F_ItemNo),
   KEY ix_pmrpi_requestqty (F_RequestQty),
   KEY ix_pmrpi_status (F_Status),
   KEY ix_pmrpi_itemno (F_ItemNo)

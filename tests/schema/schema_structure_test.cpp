@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/ExpectVbError.h"
 #include "tests/support/TestDatabase.h"
 
 namespace tovrand::test {
@@ -108,9 +109,9 @@ TEST_F(SchemaStructureTest, EveryTableIsInnoDbWithUtf8mb4GeneralCollation) {
 
 TEST_F(SchemaStructureTest, NaturalKeysArePrimaryKeys) {
   const std::vector<std::pair<std::string, std::string>> keys = {
-      {"t_porder", "F_ProdNo"},         {"t_porderchk", "F_ProdNo"},  {"t_pmrph", "F_ProdNo"},
-      {"t_pmrpi", "F_ProdNo,F_ItemNo"}, {"t_wstockqtyh", "F_ItemNo"}, {"t_eitem", "F_ItemNo"},
-      {"t_borderh", "F_OrderNo"},       {"t_cpurh", "F_PurNo"},       {"t_ebomcheck", "F_GoodsNo"},
+      {"t_porder", "F_ProdNo"},     {"t_porderchk", "F_ProdNo"},  {"t_pmrph", "F_ProdNo"},
+      {"t_wstockqtyh", "F_ItemNo"}, {"t_eitem", "F_ItemNo"},      {"t_borderh", "F_OrderNo"},
+      {"t_cpurh", "F_PurNo"},       {"t_ebomcheck", "F_GoodsNo"},
   };
   for (const auto& [table, columns] : keys) {
     SCOPED_TRACE(table);
@@ -120,7 +121,7 @@ TEST_F(SchemaStructureTest, NaturalKeysArePrimaryKeys) {
 
 TEST_F(SchemaStructureTest, TablesWithoutANaturalKeyHaveAnAutoIncrementId) {
   for (const std::string table :
-       {"t_wstockqtys", "t_wstockqtyi", "t_borderi", "t_boutmakei", "t_cpuri", "t_ebom"}) {
+       {"t_pmrpi", "t_wstockqtys", "t_wstockqtyi", "t_borderi", "t_boutmakei", "t_cpuri", "t_ebom"}) {
     SCOPED_TRACE(table);
     EXPECT_EQ(primaryKey(table), "F_ID");
     EXPECT_EQ(scalar("select extra from information_schema.columns where table_schema = database() and "
@@ -128,6 +129,24 @@ TEST_F(SchemaStructureTest, TablesWithoutANaturalKeyHaveAnAutoIncrementId) {
                      table + "' and column_name = 'F_ID'"),
               "auto_increment");
   }
+}
+
+TEST_F(SchemaStructureTest, PlanningLinesAreUniquePerProductionOrderAndMaterial) {
+  EXPECT_EQ(scalar("select group_concat(column_name order by seq_in_index separator ',') from "
+                   "information_schema.statistics where table_schema = database() and table_name = 't_pmrpi' "
+                   "and index_name = 'ux_pmrpi_prodno_itemno' and non_unique = 0"),
+            "F_ProdNo,F_ItemNo");
+  exec("insert into t_pmrpi (F_ProdNo, F_ItemNo) values (2026110001, 'RM-2001'), (2026110001, 'RM-2002')");
+  EXPECT_VB_ERROR(exec("insert into t_pmrpi (F_ProdNo, F_ItemNo) values (2026110001, 'RM-2001')"),
+                  vberr::kProviderError,
+                  "Duplicate entry '2026110001-RM-2001' for key 'ux_pmrpi_prodno_itemno'");
+  EXPECT_EQ(count("select count(*) from t_pmrpi"), 2);
+}
+
+TEST_F(SchemaStructureTest, APlanningLineMayHaveNoMaterial) {
+  exec("insert into t_pmrpi (F_ProdNo, F_ItemNo) values (2026110001, NULL), (2026110001, NULL)");
+  EXPECT_EQ(count("select count(*) from t_pmrpi where F_ProdNo = 2026110001 and F_ItemNo is null"), 2);
+  EXPECT_EQ(scalar("select group_concat(F_ID order by F_ID) from t_pmrpi"), "1,2");
 }
 
 TEST_F(SchemaStructureTest, ProductionAndSalesOrderNumbersAreDoubles) {
