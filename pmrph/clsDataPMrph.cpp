@@ -144,9 +144,8 @@ std::int16_t clsDataPMrph::QueryByIDForPur(Collection& colPMrph, double dblStart
     std::string sql;
     if (strItemNo.empty()) {
       sql =
-          "select * from T_PMrph where F_PlanPurQty > '0' and F_ProdNo in (select F_ProdNo from T_POrder "
-          "where "
-          "F_Status <> '1' and F_Status <> '2'";
+          "select * from T_PMrph where F_PlanPurQty > '0' and F_ProdNo in "
+          "(select F_ProdNo from T_POrder where F_Status <> '1' and F_Status <> '2'";
     } else {
       sql = "select * from T_PMrph where F_ItemNo like '%" + strItemNo +
             "%' and F_PlanPurQty > '0' and F_ProdNo in (select F_ProdNo from T_POrder where F_Status <> '1' "
@@ -415,7 +414,7 @@ std::int16_t clsDataPMrph::AccountData(clsEntPMrph& Entity, double& C1, double& 
     const std::string itemNo = Entity.F_ItemNo();
     double X = 0;  // free stock above safety stock
 
-    // 1-2. The header, on a new class recordset: keyset and optimistic, kept by the open.
+    // The header, on a new class recordset: keyset and optimistic, which the open keeps.
     renewRecordset();
     openInsert(recordset(), "SELECT * FROM T_PMrph WHERE F_ProdNo=" + prodNo, connection());
     if (noRows(recordset())) {
@@ -423,11 +422,10 @@ std::int16_t clsDataPMrph::AccountData(clsEntPMrph& Entity, double& C1, double& 
       dropRecordset();
       return result;
     }
-    // 3.
+    // The planned purchase as it stands.
     K = CDbl(fieldOr(recordset(), "F_PlanPurQty", "0"));
-    // 4-8.
     lookUpRequirement(prodNo, itemNo, P, SQ, BN, X, S);
-    // 9. Open purchases of this production order and material, closed ones (status 3) left out.
+    // Open purchases of this production order and material, closed ones (status 3) left out.
     std::shared_ptr<Recordset> purchases = newRecordset();
     openStatement(*purchases,
                   "SELECT SUM(F_PurQty) as C1 FROM T_CPuri ,(select F_PurNo as PurNo from T_CPurh where   "
@@ -435,7 +433,7 @@ std::int16_t clsDataPMrph::AccountData(clsEntPMrph& Entity, double& C1, double& 
                       itemNo + "' and F_Status<>3 and F_ProdNo=" + prodNo + " and F_PurNo=h.PurNo",
                   connection(), adOpenKeyset, adLockBatchOptimistic, adCmdUnspecified);
     C1 = figureOrZero(*purchases, "C1");
-    // 10. Stock already reserved for it.
+    // Stock already reserved for it.
     std::shared_ptr<Recordset> reserved = newRecordset();
     openStatement(
         *reserved,
@@ -444,7 +442,7 @@ std::int16_t clsDataPMrph::AccountData(clsEntPMrph& Entity, double& C1, double& 
     AT = figureOrZero(*reserved, "F_ReduceQty");
     ATi = AT;
 
-    // 11.
+    // What the order still lacks after purchases, free stock and the stock reserved already.
     double D = checkedDouble(P - C1 - X - AT);
     if (D >= 0) {
       // Stock and purchases do not cover the need: all the free stock is taken.
@@ -465,7 +463,6 @@ std::int16_t clsDataPMrph::AccountData(clsEntPMrph& Entity, double& C1, double& 
       K = 0;
     }
 
-    // 12.
     dropRecordset();
     result = 1;
   } catch (...) {
@@ -484,7 +481,7 @@ std::int16_t clsDataPMrph::AccountNewData(clsEntPMrph& Entity, double& C1, doubl
 
     renewRecordset();
     openInsert(recordset(), "SELECT * FROM T_PMrph WHERE F_ProdNo=" + prodNo, connection());
-    // Tested, and nothing depends on it: the header may not exist yet.
+    // Tested for rows, and nothing depends on it: the header may not exist yet.
     (void)noRows(recordset());
 
     std::string way = lookUpRequirement(prodNo, itemNo, P, SQ, BN, X, S);

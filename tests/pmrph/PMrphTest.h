@@ -36,6 +36,14 @@ class PMrphTest : public DatabaseTest {
     return out;
   }
   const std::vector<Message>& shown() { return messages().messages(); }
+  // Exactly one message box was shown, with this style and title, its text holding `part` (the
+  // server's own description around it is the server's wording).
+  void expectOneMessage(int style, const std::string& title, const std::string& part) {
+    ASSERT_EQ(shown().size(), 1u);
+    EXPECT_EQ(shown()[0].style, style);
+    EXPECT_EQ(shown()[0].title, title);
+    EXPECT_NE(shown()[0].text.find(part), std::string::npos) << shown()[0].text;
+  }
 
  private:
   std::unique_ptr<clsDataPMrph> object_;

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/pmrph/Figures.h"
+#include "tests/pmrph/Computation.h"
 #include "tests/pmrph/PMrphTest.h"
 
 namespace tovrand::test {

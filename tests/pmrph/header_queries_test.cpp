@@ -72,10 +72,7 @@ TEST_F(HeaderQueries, QueryBOrderhRecordsetAfterAnErrorReturnsTwoWithTheCritical
 
   EXPECT_EQ(pmrph().QueryBOrderhRecordset(entity, 2026110001), 2);
 
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbCritical);
-  EXPECT_EQ(shown()[0].title, "错误提示");
-  EXPECT_NE(shown()[0].text.find("t_borderh' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbCritical, "错误提示", "t_borderh' doesn't exist");
 }
 
 // QueryPMrphRecordset
@@ -119,11 +116,7 @@ TEST_F(HeaderQueries, QueryPMrphRecordsetWithABadTextShowsTheCriticalErrorNotice
 
   EXPECT_EQ(pmrph().QueryPMrphRecordset(col, text), 0);
 
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbCritical);
-  EXPECT_EQ(shown()[0].title, "错误提示");
-  EXPECT_NE(shown()[0].text.find("You have an error in your SQL syntax"), std::string::npos)
-      << shown()[0].text;
+  expectOneMessage(vbCritical, "错误提示", "You have an error in your SQL syntax");
 }
 
 TEST_F(HeaderQueries, QueryPMrphRecordsetFailingAfterARowReturnsZeroAndKeepsWhatWasAdded) {
@@ -185,10 +178,7 @@ TEST_F(HeaderQueries, QueryPMrphStatusAfterAnErrorShowsTheDescriptionInTheInform
 
   EXPECT_EQ(pmrph().QueryPMrphStatus(entity), 0);
 
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_pmrph' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_pmrph' doesn't exist");
 }
 
 // QueryByItemNo
@@ -244,10 +234,7 @@ TEST_F(HeaderQueries, QueryByItemNoAfterAnErrorShowsTheDescription) {
 
   EXPECT_EQ(pmrph().QueryByItemNo(entity), 0);
 
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_pmrph' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_pmrph' doesn't exist");
 }
 
 // UpdateRecord
@@ -307,10 +294,7 @@ TEST_F(HeaderQueries, UpdateRecordWithAnotherErrorShowsTheDatabasesDescription) 
 
   EXPECT_EQ(pmrph().UpdateRecord(entity), 0);
 
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_pmrph' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_pmrph' doesn't exist");
 }
 
 // QueryMonthDate
@@ -344,10 +328,7 @@ TEST_F(HeaderQueries, QueryMonthDateAfterAnErrorShowsTheDescription) {
   exec("drop table t_pmrph");
   Collection col;
   EXPECT_EQ(pmrph().QueryMonthDate(col), 0);
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_pmrph' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_pmrph' doesn't exist");
 }
 
 // QueryProdNo
@@ -381,9 +362,7 @@ TEST_F(HeaderQueries, QueryProdNoAfterAnErrorShowsTheDescription) {
   exec("drop table t_pmrph");
   Collection col;
   EXPECT_EQ(pmrph().QueryProdNo(col), 0);
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
+  expectOneMessage(vbInformation, kTitleQuenta, "t_pmrph' doesn't exist");
 }
 
 // QueryStatus
@@ -425,10 +404,7 @@ TEST_F(HeaderQueries, QueryStatusAfterAnErrorShowsTheDescription) {
   clsEntPOrder entity;
   EXPECT_EQ(pmrph().QueryStatus(entity), 0);
   EXPECT_EQ(sql(), std::vector<std::string>{"select F_ProdNo,F_Status  from T_POrder where F_ProdNo=0"});
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_porder' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_porder' doesn't exist");
 }
 
 // QueryProdNoRecord
@@ -459,10 +435,7 @@ TEST_F(HeaderQueries, QueryProdNoRecordAfterAnErrorShowsTheDescription) {
   exec("drop table t_pmrph");
   clsEntPMrph entity = header(2026110001);
   EXPECT_EQ(pmrph().QueryProdNoRecord(entity), 0);
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_pmrph' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_pmrph' doesn't exist");
 }
 
 TEST_F(HeaderQueries, TheObjectStaysUsableAfterAHandledError) {

@@ -1,6 +1,7 @@
 // clsDataPMrph.AddRecord1 and AddRecord: writing a production order's planning.
 #include <gtest/gtest.h>
 
+#include "tests/pmrph/Computation.h"
 #include "tests/pmrph/PMrphTest.h"
 
 namespace tovrand::test {
@@ -21,12 +22,9 @@ clsEntPMrpi line(const std::string& itemNo, double dosage, double waste, std::in
 
 // The statements of the computation for the header's production number and material.
 std::vector<std::string> computation(const std::string& prodNo, const std::string& itemNo, bool reviewFound) {
-  std::vector<std::string> out{"SELECT * FROM T_PMrph WHERE F_ProdNo=" + prodNo,
-                               "SELECT * FROM T_POrderChk WHERE F_ProdNo='" + prodNo + "'"};
-  if (reviewFound) out.push_back("Select * From T_BOrderi Where F_ProdNo='" + prodNo + "'");
-  out.push_back("SELECT * FROM T_WStockQtyh WHERE F_ItemNo='" + itemNo + "'");
-  out.push_back("SELECT sum(F_StockQty) as S FROM T_WStockQtyi WHERE F_ItemNo='" + itemNo +
-                "' group by F_ItemNo");
+  std::vector<std::string> out{"SELECT * FROM T_PMrph WHERE F_ProdNo=" + prodNo};
+  for (std::string& s : lookUpStatements(prodNo, itemNo, reviewFound)) out.push_back(std::move(s));
+  // Two blanks after "where" here, where AccountData has three.
   out.push_back(
       "SELECT SUM(F_PurQty) as C1 FROM T_CPuri ,(select F_PurNo as PurNo from T_CPurh where  F_Status<>3) h "
       "WHERE F_ItemNo='" +
@@ -363,10 +361,7 @@ TEST_F(PlanningCreation, AnotherDatabaseErrorShowsItsDescription) {
 
   EXPECT_EQ(pmrph().AddRecord1(entity, lines), 0);
 
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_pmrpi' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_pmrpi' doesn't exist");
   // The header and its reservation were written before the lines were opened.
   EXPECT_EQ(headerOf("2026110007"), "2026110007|P-700|10|0|10|0|1");
   EXPECT_EQ(reservations(), "2026110007|P-700|0");
@@ -435,10 +430,7 @@ TEST_F(PlanningCreation, AddRecordAfterAnErrorShowsTheDescription) {
 
   EXPECT_EQ(pmrph().AddRecord(entity), 0);
 
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_pmrph' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_pmrph' doesn't exist");
 }
 
 }  // namespace

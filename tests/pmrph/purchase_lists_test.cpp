@@ -190,10 +190,7 @@ TEST_F(PurchaseLists, QueryByIDForPurAfterAnErrorReturnsZeroWithTheDescription) 
 
   EXPECT_EQ(pmrph().QueryByIDForPur(col, 0, 0, 4, ""), 0);
 
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_porder' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_porder' doesn't exist");
 }
 
 // QueryByDeliverDate
@@ -258,10 +255,7 @@ TEST_F(PurchaseLists, QueryByDeliverDateAfterAnErrorReturnsZeroWithTheDescriptio
   exec("drop table t_pmrph");
   Collection col;
   EXPECT_EQ(pmrph().QueryByDeliverDate(col, date(2026, 12, 1), date(2026, 12, 15), 1), 0);
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_pmrph' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_pmrph' doesn't exist");
 }
 
 }  // namespace

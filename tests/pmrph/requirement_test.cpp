@@ -1,7 +1,7 @@
 // clsDataPMrph.AccountData: the planning figures of one production order and material.
 #include <gtest/gtest.h>
 
-#include "tests/pmrph/Figures.h"
+#include "tests/pmrph/Computation.h"
 #include "tests/pmrph/PMrphTest.h"
 
 namespace tovrand::test {
@@ -265,10 +265,7 @@ TEST_F(Requirement, AnErrorShowsTheDescriptionKeepsTheFiguresAssignedAndReturnsZ
 
   // K, P, SQ, BN and S were assigned before the purchase look-up failed.
   EXPECT_EQ(f, (Figures{-1, -2, 120, -4, 500, 40, 10, -8, 40, -10}));
-  ASSERT_EQ(shown().size(), 1u);
-  EXPECT_EQ(shown()[0].style, vbInformation);
-  EXPECT_EQ(shown()[0].title, kTitleQuenta);
-  EXPECT_NE(shown()[0].text.find("t_cpuri' doesn't exist"), std::string::npos) << shown()[0].text;
+  expectOneMessage(vbInformation, kTitleQuenta, "t_cpuri' doesn't exist");
   // The object stays usable.
   exec(
       "create table t_cpuri (F_ID int auto_increment primary key, F_PurNo varchar(20), F_ItemNo varchar(30), "

@@ -22,16 +22,23 @@ struct Figures {
   }
 };
 
-// The statements AccountData sends for production number `prodNo` (as spliced) and material
-// `itemNo`, when every look-up runs; without a review row the sales-order line is not looked up.
-inline std::vector<std::string> accountDataStatements(const std::string& prodNo, const std::string& itemNo,
-                                                      bool reviewFound) {
-  std::vector<std::string> out{"SELECT * FROM T_PMrph WHERE F_ProdNo=" + prodNo,
-                               "SELECT * FROM T_POrderChk WHERE F_ProdNo='" + prodNo + "'"};
+// The look-ups both computations send after the header, for production number `prodNo` (as
+// spliced) and material `itemNo`: without a review row the sales-order line is not looked up.
+inline std::vector<std::string> lookUpStatements(const std::string& prodNo, const std::string& itemNo,
+                                                 bool reviewFound) {
+  std::vector<std::string> out{"SELECT * FROM T_POrderChk WHERE F_ProdNo='" + prodNo + "'"};
   if (reviewFound) out.push_back("Select * From T_BOrderi Where F_ProdNo='" + prodNo + "'");
   out.push_back("SELECT * FROM T_WStockQtyh WHERE F_ItemNo='" + itemNo + "'");
   out.push_back("SELECT sum(F_StockQty) as S FROM T_WStockQtyi WHERE F_ItemNo='" + itemNo +
                 "' group by F_ItemNo");
+  return out;
+}
+
+// The statements AccountData sends when every look-up runs.
+inline std::vector<std::string> accountDataStatements(const std::string& prodNo, const std::string& itemNo,
+                                                      bool reviewFound) {
+  std::vector<std::string> out{"SELECT * FROM T_PMrph WHERE F_ProdNo=" + prodNo};
+  for (std::string& s : lookUpStatements(prodNo, itemNo, reviewFound)) out.push_back(std::move(s));
   out.push_back(
       "SELECT SUM(F_PurQty) as C1 FROM T_CPuri ,(select F_PurNo as PurNo from T_CPurh where   F_Status<>3) h "
       "WHERE F_ItemNo='" +
