@@ -168,10 +168,7 @@ std::int16_t clsDataPMrph::QueryByIDForPur(Collection& colPMrph, double dblStart
         // Any other range choice runs no query.
         return result;
     }
-    Recordset& rs = recordset();
-    openRead(rs, sql, connection());
-    result = addPMrphRows(rs, colPMrph);
-    rs.Close();
+    result = readPMrphList(sql, colPMrph);
   } catch (...) {
     queryHandler(result, {.dropRecordset = true, .result = 0});
   }
@@ -202,10 +199,7 @@ std::int16_t clsDataPMrph::QueryByDeliverDate(Collection& colPMrph, VbDate datSt
         // Any other range choice runs no query.
         return result;
     }
-    Recordset& rs = recordset();
-    openRead(rs, sql, connection());
-    result = addPMrphRows(rs, colPMrph);
-    rs.Close();
+    result = readPMrphList(sql, colPMrph);
   } catch (...) {
     queryHandler(result, {.dropRecordset = true, .result = 0});
   }
@@ -610,8 +604,10 @@ std::string clsDataPMrph::lookUpRequirement(const std::string& prodNo, const std
   return way;
 }
 
-std::int16_t clsDataPMrph::addPMrphRows(Recordset& rs, Collection& col) {
+std::int16_t clsDataPMrph::readPMrphList(const std::string& sql, Collection& col) {
   std::int16_t added = 0;
+  Recordset& rs = recordset();
+  openRead(rs, sql, connection());
   while (!rs.EOF_()) {
     clsEntPMrph entity = newEntity<clsEntPMrph>();
     readPMrphRow(rs, entity);
@@ -619,6 +615,7 @@ std::int16_t clsDataPMrph::addPMrphRows(Recordset& rs, Collection& col) {
     added = 1;
     rs.MoveNext();
   }
+  rs.Close();
   return added;
 }
 

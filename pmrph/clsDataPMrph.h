@@ -54,9 +54,9 @@ class clsDataPMrph : public DataObject {
   // ("" without a review row).
   std::string lookUpRequirement(const std::string& prodNo, const std::string& itemNo, double& P, double& SQ,
                                 double& BN, double& X, double& S);
-  // The rows of an open list read: a new clsEntPMrph per row with all seven columns, added to `col`.
-  // 1 when at least one row was added.
-  std::int16_t addPMrphRows(Recordset& rs, Collection& col);
+  // The purchasing lists: `sql` opened in the read form on the class recordset, a new clsEntPMrph
+  // per row with all seven columns added to `col`, the recordset closed. 1 when a row was added.
+  std::int16_t readPMrphList(const std::string& sql, Collection& col);
 };
 
 }  // namespace tovrand

@@ -34,15 +34,21 @@ inline std::vector<std::string> lookUpStatements(const std::string& prodNo, cons
   return out;
 }
 
+// The open purchases look-up, with the blanks that follow its "where" (AccountData writes three,
+// the computation of a new header two).
+inline std::string purchasesStatement(const std::string& prodNo, const std::string& itemNo,
+                                      const std::string& blanks) {
+  return "SELECT SUM(F_PurQty) as C1 FROM T_CPuri ,(select F_PurNo as PurNo from T_CPurh where" + blanks +
+         "F_Status<>3) h WHERE F_ItemNo='" + itemNo + "' and F_Status<>3 and F_ProdNo=" + prodNo +
+         " and F_PurNo=h.PurNo";
+}
+
 // The statements AccountData sends when every look-up runs.
 inline std::vector<std::string> accountDataStatements(const std::string& prodNo, const std::string& itemNo,
                                                       bool reviewFound) {
   std::vector<std::string> out{"SELECT * FROM T_PMrph WHERE F_ProdNo=" + prodNo};
   for (std::string& s : lookUpStatements(prodNo, itemNo, reviewFound)) out.push_back(std::move(s));
-  out.push_back(
-      "SELECT SUM(F_PurQty) as C1 FROM T_CPuri ,(select F_PurNo as PurNo from T_CPurh where   F_Status<>3) h "
-      "WHERE F_ItemNo='" +
-      itemNo + "' and F_Status<>3 and F_ProdNo=" + prodNo + " and F_PurNo=h.PurNo");
+  out.push_back(purchasesStatement(prodNo, itemNo, "   "));
   out.push_back("SELECT F_ReduceQty FROM T_WStockQtys WHERE F_ItemNo='" + itemNo +
                 "' and F_ProdNo=" + prodNo);
   return out;

@@ -24,11 +24,7 @@ clsEntPMrpi line(const std::string& itemNo, double dosage, double waste, std::in
 std::vector<std::string> computation(const std::string& prodNo, const std::string& itemNo, bool reviewFound) {
   std::vector<std::string> out{"SELECT * FROM T_PMrph WHERE F_ProdNo=" + prodNo};
   for (std::string& s : lookUpStatements(prodNo, itemNo, reviewFound)) out.push_back(std::move(s));
-  // Two blanks after "where" here, where AccountData has three.
-  out.push_back(
-      "SELECT SUM(F_PurQty) as C1 FROM T_CPuri ,(select F_PurNo as PurNo from T_CPurh where  F_Status<>3) h "
-      "WHERE F_ItemNo='" +
-      itemNo + "' and F_Status<>3 and F_ProdNo=" + prodNo + " and F_PurNo=h.PurNo");
+  out.push_back(purchasesStatement(prodNo, itemNo, "  "));
   return out;
 }
 
