@@ -35,8 +35,8 @@ class clsDataPMrph : public DataObject {
                            double& S, double& SQ, double& AT, double& BN, double& ATi);
 
  private:
-  // The two routines of the program's own, in its order; the interface skips the member identifier
-  // that one of them took (0x6003000F).
+  // The class's own two routines, not exposed; the interface skips the member identifier one of
+  // them holds (0x6003000F).
 
   // The figures of a header that may not exist yet, for AddRecord1: purchases C1, free stock above
   // safety stock X, stock to take A, requirement P, remaining requirement M, quantity to buy K,

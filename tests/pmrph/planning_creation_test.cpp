@@ -381,6 +381,26 @@ TEST_F(PlanningCreation, AFailedComputationShowsItsMessageAndThePlanningGoesOnWi
   EXPECT_EQ(stockHeaders(), "P-800|1|5");
 }
 
+TEST_F(PlanningCreation, LinesAreWrittenByColumnNameWhateverKeyThePlanningLinesHave) {
+  // Planning lines keyed by an id of their own, the production number and material kept unique.
+  exec(
+      "alter table t_pmrpi drop primary key, add F_ID int not null auto_increment primary key first, "
+      "add unique key ux_pmrpi_prodno_itemno (F_ProdNo, F_ItemNo)");
+  exec(kSecondCall);
+  clsEntPMrph entity = header(2026110004, "P-300");
+  entity.F_NeedQty(50.0);
+  entity.F_PlanPurQty(10.0);
+  Collection lines;
+  lines.Add(line("M-21", 1, 0, 1));
+  lines.Add(line("M-22", 0.5, 0, 2));
+
+  EXPECT_EQ(pmrph().AddRecord1(entity, lines), 1);
+
+  EXPECT_EQ(linesOf("2026110004"), "M-21|1|0|10|10|1|1 / M-22|0.5|0|10|0|2|1");
+  EXPECT_EQ(scalar("select count(distinct F_ID) from t_pmrpi"), "2");
+  EXPECT_TRUE(shown().empty());
+}
+
 // AddRecord
 
 TEST_F(PlanningCreation, AddRecordWritesTheFourQuantitiesOfAnExistingHeader) {
