@@ -144,6 +144,23 @@ const Case kNullStockHeader{
     {0, 0, 9, 9, 9, 0, 0, 0, 0, 0},
     true};
 
+// 8. the need fully covered by purchases and reservation (P - C1 - AT <= 0): P = 20 (no sales line),
+//    SQ 0, BN 50, X 50, S 0, C1 12, AT 8. D = 20 - 12 - 50 - 8 = -50 < 0: A = 20 - 12 - 8 = 0,
+//    AT = 8, M = 0; K 6 >= 0 gives K = 0.
+const Case kFullyCovered{
+    2026110001,
+    "insert into t_pmrph (F_ProdNo, F_ItemNo, F_PlanPurQty) values (2026110001, 'M-01', 6);"
+    "insert into t_porderchk (F_ProdNo, F_OrderCount) values (2026110001, 20);"
+    "insert into t_wstockqtyh (F_ItemNo, F_SafeQty, F_NoPoStockQty) values ('M-01', 0, 50);"
+    "insert into t_cpurh (F_PurNo, F_Status) values ('CG-1', 1);"
+    "insert into t_cpuri (F_PurNo, F_ItemNo, F_ProdNo, F_PurQty, F_Status) values "
+    "('CG-1', 'M-01', 2026110001, 12, 0);"
+    "insert into t_wstockqtys (F_ProdNo, F_ItemNo, F_ReduceQty) values (2026110001, 'M-01', 8)",
+    //  C1  A   P   M   K   S   SQ  AT  BN  ATi
+    {-1, -2, -3, -4, -5, -6, -7, -8, -9, -10},
+    {12, 0, 20, 0, 0, 0, 0, 8, 50, 8},
+    true};
+
 class Requirement : public PMrphTest {
  protected:
   void expectFigures(const Case& c, const std::string& prodNoText) {
@@ -191,6 +208,10 @@ TEST_F(Requirement, AFractionalProductionNumberIsSplicedAsItsDecimalText) {
 
 TEST_F(Requirement, NullStockFiguresReadAsZeroAndAPlannedPurchaseEqualToTheRemainderStays) {
   expectFigures(kNullStockHeader, "2026110001");
+}
+
+TEST_F(Requirement, ANeedFullyCoveredByPurchasesAndReservationTakesNothingAndPlansNoPurchase) {
+  expectFigures(kFullyCovered, "2026110001");
 }
 
 TEST_F(Requirement, TheStatementsOfOneComputationInOrder) {
