@@ -1,6 +1,7 @@
 #include "component/Component.h"
 
 #include "pmrph/clsDataPMrph.h"
+#include "pmrph/clsDataPMrphDispatch.h"
 #include "pmrpi/clsDataPMrpi.h"
 #include "pmrpi/clsDataPMrpiDispatch.h"
 #include "porder/clsDataPOrder.h"
@@ -31,7 +32,7 @@ std::unique_ptr<DispatchObject> createObject(const ClassInfo& cls, std::shared_p
   if (cls.name == "clsDataPOrder") return makeDispatch(cls, std::make_unique<clsDataPOrder>(std::move(host)));
   if (cls.name == "clsDataPOrderChk")
     return std::make_unique<UnboundObject<clsDataPOrderChk>>(cls, std::move(host));
-  if (cls.name == "clsDataPMrph") return std::make_unique<UnboundObject<clsDataPMrph>>(cls, std::move(host));
+  if (cls.name == "clsDataPMrph") return makeDispatch(cls, std::make_unique<clsDataPMrph>(std::move(host)));
   if (cls.name == "clsDataPMrpi") return makeDispatch(cls, std::make_unique<clsDataPMrpi>(std::move(host)));
   return nullptr;
 }

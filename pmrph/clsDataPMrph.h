@@ -1,15 +1,62 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <string>
 
+#include "entities/Collection.h"
+#include "entities/Entities.h"
 #include "frame/DataObject.h"
 
 namespace tovrand {
 
-// Its members come with their own work; until then the object exists and holds its connection.
+// Material planning headers (t_pmrph): their queries, the requirement computation of one material
+// and the writing of a production order's whole planning with its stock reservations.
 class clsDataPMrph : public DataObject {
  public:
   explicit clsDataPMrph(std::shared_ptr<Host> host) : DataObject(std::move(host)) {}
+
+  std::int16_t QueryBOrderhRecordset(clsEntBOrderh& Entity, double ProdNo);
+  std::int16_t QueryPMrphRecordset(Collection& objColl, std::string& SQLStr);
+  std::int16_t QueryPMrphStatus(clsEntPMrph& Entity);
+  std::int16_t QueryByItemNo(clsEntPMrph& objEntPMrph);
+  std::int16_t UpdateRecord(clsEntPMrph& Entity);
+  std::int16_t QueryByIDForPur(Collection& colPMrph, double dblStart, double dblEnd, std::int16_t intCnt,
+                               const std::string& strItemNo);
+  std::int16_t QueryByDeliverDate(Collection& colPMrph, VbDate datStart, VbDate datEnd, std::int16_t intCnt);
+  std::int16_t QueryMonthDate(Collection& objColl);
+  std::int16_t QueryProdNo(Collection& objColl);
+  std::int16_t QueryStatus(clsEntPOrder& Entity);
+  std::int16_t QueryProdNoRecord(clsEntPMrph& Entity);
+  std::int16_t AddRecord1(clsEntPMrph& Entity, Collection& objCollD);
+  std::int16_t AddRecord(clsEntPMrph& Entity);
+  // The figures of an existing header's material, handed back through the references.
+  std::int16_t AccountData(clsEntPMrph& Entity, double& C1, double& A, double& P, double& M, double& K,
+                           double& S, double& SQ, double& AT, double& BN, double& ATi);
+
+ private:
+  // The class's own two routines, not exposed; the interface skips the member identifier one of
+  // them holds (0x6003000F).
+
+  // The figures of a header that may not exist yet, for AddRecord1: purchases C1, free stock above
+  // safety stock X, stock to take A, requirement P, remaining requirement M, quantity to buy K,
+  // stock on hand S, safety stock SQ.
+  std::int16_t AccountNewData(clsEntPMrph& Entity, double& C1, double& X, double& A, double& P, double& M,
+                              double& K, double& S, double& SQ);
+  // Reserves F_ReduceQty of the material for the production order and lowers the stock not yet
+  // committed accordingly.
+  std::int16_t AddReduceRecord(clsEntWStockQtys& Entity);
+
+  // The look-ups both computations run after the header, in this order: the review row with the
+  // first sales-order line (requirement P, kept as passed without a review row), the stock header
+  // (safety stock SQ, uncommitted stock BN, kept as passed without a header, and X, the free stock
+  // above safety stock), the stock lines (stock on hand S). Returns the review's procurement way
+  // ("" without a review row).
+  std::string lookUpRequirement(const std::string& prodNo, const std::string& itemNo, double& P, double& SQ,
+                                double& BN, double& X, double& S);
+  // The purchasing lists: `sql` opened in the read form on the class recordset, a new clsEntPMrph
+  // per row with all seven columns added to `col`, the recordset closed. 1 when a row was added.
+  std::int16_t readPMrphList(const std::string& sql, Collection& col);
 };
 
 }  // namespace tovrand
