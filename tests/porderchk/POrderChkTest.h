@@ -26,6 +26,33 @@ inline void PrintTo(const TracedStatement& s, std::ostream* os) {
 
 namespace tovrand::test {
 
+inline VbDate date(int y, int m, int d, int h = 0, int mi = 0, int s = 0) {
+  return makeDate({y, m, d, h, mi, s});
+}
+
+inline std::vector<Message> oneMessage(const std::string& text) {
+  return {Message{text, vbInformation, kTitleQuenta}};
+}
+
+inline TracedStatement engine(const std::string& sql) {
+  return {sql, StatementOrigin::Engine};
+}
+inline TracedStatement method(const std::string& sql) {
+  return {sql, StatementOrigin::Method};
+}
+
+// What AddRecord sends, and what the engine sends for the review row it adds.
+inline constexpr const char* kMonthQuery =
+    "select * from t_porderchk where left(cast(F_ProdNo as char),6)=left(cast(curdate()+0 as char),6)";
+inline constexpr const char* kMaxQuery =
+    "select max(F_ProdNo) as ProdNo from T_POrderChk where "
+    "left(cast(F_ProdNo as char),6)=left(cast(curdate()+0 as char),6)";
+inline constexpr const char* kPrefixQuery = "select left(cast(curdate()+0 as char),6) as ProdNo";
+inline constexpr const char* kReviewTable = "select * from  t_porderchk";
+inline constexpr const char* kReviewInsert =
+    "INSERT INTO `t_porderchk` (`F_ProdNo`, `F_OrderNo`, `F_CustNo`, `F_ItemNo`, `F_CorderNo`, "
+    "`F_OrderCount`, `F_DeliverDate`, `F_CItemNo`) VALUES (?, ?, ?, ?, ?, ?, ?, ?)";
+
 // A clsDataPOrderChk on this test's fresh database, with the trace and the messages starting empty.
 class POrderChkTest : public DatabaseTest {
  protected:
@@ -50,23 +77,44 @@ class POrderChkTest : public DatabaseTest {
   clsDataPOrderChk& chk() { return *object_; }
   std::vector<std::string> sql() { return trace().methodStatements(); }
 
+  // A sales-order line as the sales screens pass it.
+  static clsEntBOrderi line(double orderNo, const std::string& no, const std::string& item) {
+    clsEntBOrderi l;
+    l.F_OrderNo(orderNo);
+    l.F_No(no);
+    l.F_ItemNo(item);
+    l.F_CItemNo("C-" + item);
+    l.F_OrderQty(10.0);
+    l.F_DeliverDate(date(2008, 6, 30));
+    return l;
+  }
+
+  // Sales order `orderNo` with `count` lines numbered "1".. and items FG-1.., in the tables and in
+  // `lines`.
+  void salesOrder(Collection& lines, double orderNo, int count) {
+    exec("insert into t_borderh (F_OrderNo, F_CustNo, F_Flags) values (" + CStr(orderNo) + ", 'C001', 0)");
+    for (int i = 1; i <= count; ++i) {
+      std::string no = std::to_string(i);
+      exec("insert into t_borderi (F_OrderNo, F_No, F_ItemNo) values (" + CStr(orderNo) + ", '" + no +
+           "', 'FG-" + no + "')");
+      lines.Add(line(orderNo, no, "FG-" + no));
+    }
+  }
+
+  // The review numbers, lowest first, and the numbers of one sales order's lines in line order.
+  std::string reviews() {
+    return scalar(
+        "select ifnull(group_concat(cast(F_ProdNo as char) order by F_ProdNo), '') from t_porderchk");
+  }
+  std::string lineNumbers(double orderNo) {
+    return scalar(
+        "select group_concat(ifnull(cast(F_ProdNo as char), 'NULL') order by F_ID) from t_borderi "
+        "where F_OrderNo=" +
+        CStr(orderNo));
+  }
+
  private:
   std::unique_ptr<clsDataPOrderChk> object_;
 };
-
-inline VbDate date(int y, int m, int d, int h = 0, int mi = 0, int s = 0) {
-  return makeDate({y, m, d, h, mi, s});
-}
-
-inline std::vector<Message> oneMessage(const std::string& text) {
-  return {Message{text, vbInformation, kTitleQuenta}};
-}
-
-inline TracedStatement engine(const std::string& sql) {
-  return {sql, StatementOrigin::Engine};
-}
-inline TracedStatement method(const std::string& sql) {
-  return {sql, StatementOrigin::Method};
-}
 
 }  // namespace tovrand::test

@@ -11,53 +11,7 @@ namespace {
 class NumberAllocation : public POrderChkTest {
  protected:
   std::string options() const override { return "server_date=2008-05-15"; }
-
-  // A sales-order line as the sales screens pass it.
-  static clsEntBOrderi line(double orderNo, const std::string& no, const std::string& item) {
-    clsEntBOrderi l;
-    l.F_OrderNo(orderNo);
-    l.F_No(no);
-    l.F_ItemNo(item);
-    l.F_CItemNo("C-" + item);
-    l.F_OrderQty(10.0);
-    l.F_DeliverDate(date(2008, 6, 30));
-    return l;
-  }
-
-  // Sales order `orderNo` with `count` lines numbered "1".. and items FG-1.., in the tables and in
-  // `lines`.
-  void salesOrder(Collection& lines, double orderNo, int count) {
-    exec("insert into t_borderh (F_OrderNo, F_CustNo, F_Flags) values (" + CStr(orderNo) + ", 'C001', 0)");
-    for (int i = 1; i <= count; ++i) {
-      std::string no = std::to_string(i);
-      exec("insert into t_borderi (F_OrderNo, F_No, F_ItemNo) values (" + CStr(orderNo) + ", '" + no +
-           "', 'FG-" + no + "')");
-      lines.Add(line(orderNo, no, "FG-" + no));
-    }
-  }
-
-  std::string reviews() {
-    return scalar(
-        "select ifnull(group_concat(cast(F_ProdNo as char) order by F_ProdNo), '') from t_porderchk");
-  }
-  std::string lineNumbers(double orderNo) {
-    return scalar(
-        "select group_concat(ifnull(cast(F_ProdNo as char), 'NULL') order by F_ID) from t_borderi "
-        "where F_OrderNo=" +
-        CStr(orderNo));
-  }
 };
-
-constexpr const char* kMonthQuery =
-    "select * from t_porderchk where left(cast(F_ProdNo as char),6)=left(cast(curdate()+0 as char),6)";
-constexpr const char* kMaxQuery =
-    "select max(F_ProdNo) as ProdNo from T_POrderChk where "
-    "left(cast(F_ProdNo as char),6)=left(cast(curdate()+0 as char),6)";
-constexpr const char* kPrefixQuery = "select left(cast(curdate()+0 as char),6) as ProdNo";
-constexpr const char* kReviewTable = "select * from  t_porderchk";
-constexpr const char* kReviewInsert =
-    "INSERT INTO `t_porderchk` (`F_ProdNo`, `F_OrderNo`, `F_CustNo`, `F_ItemNo`, `F_CorderNo`, "
-    "`F_OrderCount`, `F_DeliverDate`, `F_CItemNo`) VALUES (?, ?, ?, ?, ?, ?, ?, ?)";
 
 TEST_F(NumberAllocation, EmptyCollectionReturnsZeroAndSendsNoStatement) {
   Collection lines;
