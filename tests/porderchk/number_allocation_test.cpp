@@ -344,6 +344,18 @@ TEST_F(NumberAllocation, DuplicateNumberOnTheThirdOfFiveLinesLeavesTheFirstTwoDo
   EXPECT_EQ(all[11], engine(kReviewInsert));
 }
 
+TEST_F(NumberAllocation, ElementThatIsNoSalesOrderLineStopsTheAllocationWithTypeMismatch) {
+  Collection lines;
+  salesOrder(lines, 2805001, 1);
+  lines.Add(clsEntBOrderh());
+
+  EXPECT_EQ(chk().AddRecord(lines, "2805001", "C001", "PO-1", 4), 0);
+
+  EXPECT_EQ(messages().messages(), oneMessage("Type mismatch"));
+  EXPECT_EQ(reviews(), "2008050001");
+  EXPECT_EQ(sql().size(), 5u);
+}
+
 TEST_F(NumberAllocation, ObjectStaysUsableAfterAFailedAllocation) {
   Collection bad, good;
   exec("insert into t_borderh (F_OrderNo, F_Flags) values (2805001, 0)");
