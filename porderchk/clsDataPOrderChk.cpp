@@ -50,6 +50,19 @@ class AllocationLock {
   ConnectionPtr connection_;
 };
 
+// The production order a review is about, the first eight columns of the review, as QueryAll and
+// QueryProdNoView both read them. A NULL F_ProdNo or F_OrderNo, read as "", fails the read.
+void readOrderColumns(Recordset& rs, clsEntPOrderChk& Entity) {
+  Entity.F_ProdNo(fieldOr(rs, "F_ProdNo", ""));
+  Entity.F_OrderNo(fieldOr(rs, "F_OrderNo", ""));
+  Entity.F_ItemNo(fieldOr(rs, "F_ItemNo", ""));
+  Entity.F_CustNo(fieldOr(rs, "F_CustNo", ""));
+  Entity.F_CorderNo(fieldOr(rs, "F_CorderNo", ""));
+  Entity.F_OrderCount(fieldOr(rs, "F_OrderCount", "0"));
+  Entity.F_DeliverDate(fieldOr(rs, "F_DeliverDate", "0:00:00"));
+  Entity.F_CItemNo(fieldOr(rs, "F_CItemNo", ""));
+}
+
 }  // namespace
 
 std::int16_t clsDataPOrderChk::QueryBOrderiBkQty(clsEntBOrderi& Entity) {
@@ -156,14 +169,7 @@ std::int16_t clsDataPOrderChk::QueryAll(clsEntPOrderChk& Entity, double ProdNo) 
     if (!noRows(rs)) {
       // A NULL read as "" cannot become a number or a date: such a column ends the load in the
       // handler, with the columns before it already copied.
-      Entity.F_ProdNo(fieldOr(rs, "F_ProdNo", ""));
-      Entity.F_OrderNo(fieldOr(rs, "F_OrderNo", ""));
-      Entity.F_ItemNo(fieldOr(rs, "F_ItemNo", ""));
-      Entity.F_CustNo(fieldOr(rs, "F_CustNo", ""));
-      Entity.F_CorderNo(fieldOr(rs, "F_CorderNo", ""));
-      Entity.F_OrderCount(fieldOr(rs, "F_OrderCount", "0"));
-      Entity.F_DeliverDate(fieldOr(rs, "F_DeliverDate", "0:00:00"));
-      Entity.F_CItemNo(fieldOr(rs, "F_CItemNo", ""));
+      readOrderColumns(rs, Entity);
       Entity.F_BStradCon(fieldOr(rs, "F_BStradCon", "2"));
       Entity.F_BSNote(fieldOr(rs, "F_BSNote", ""));
       Entity.F_BSAlertNote(fieldOr(rs, "F_BSAlertNote", ""));
@@ -223,14 +229,7 @@ std::int16_t clsDataPOrderChk::QueryProdNoView(clsEntPOrderChk& Entity) {
       // Not found is 2 here, not 0.
       result = 2;
     } else {
-      Entity.F_ProdNo(fieldOr(rs, "F_ProdNo", ""));
-      Entity.F_OrderNo(fieldOr(rs, "F_OrderNo", ""));
-      Entity.F_ItemNo(fieldOr(rs, "F_ItemNo", ""));
-      Entity.F_CustNo(fieldOr(rs, "F_CustNo", ""));
-      Entity.F_CorderNo(fieldOr(rs, "F_CorderNo", ""));
-      Entity.F_OrderCount(fieldOr(rs, "F_OrderCount", "0"));
-      Entity.F_DeliverDate(fieldOr(rs, "F_DeliverDate", "0:00:00"));
-      Entity.F_CItemNo(fieldOr(rs, "F_CItemNo", ""));
+      readOrderColumns(rs, Entity);
       result = 1;
     }
     rs.Close();
@@ -248,12 +247,7 @@ std::int16_t clsDataPOrderChk::QueryMonthDate(Collection& objColl) {
         rs,
         "select distinct  left(F_ProdNo,6) as F_ProdNo  from T_POrderChk  order by F_ProdNo desc limit 0,12",
         connection());
-    while (!rs.EOF_()) {
-      clsEntPOrderChk entity = newEntity<clsEntPOrderChk>();
-      entity.F_ProdNo(fieldOr(rs, "F_ProdNo", ""));
-      objColl.Add(entity);
-      rs.MoveNext();
-    }
+    addProdNoRows(rs, objColl);
     rs.Close();
     // No success value is ever stored: the filled collection is the answer.
   } catch (...) {
@@ -267,12 +261,7 @@ std::int16_t clsDataPOrderChk::QueryProdNo(Collection& objColl) {
   try {
     Recordset& rs = recordset();
     openRead(rs, "select F_ProdNo  from T_POrderChk order by F_ProdNo desc", connection());
-    while (!rs.EOF_()) {
-      clsEntPOrderChk entity = newEntity<clsEntPOrderChk>();
-      entity.F_ProdNo(fieldOr(rs, "F_ProdNo", ""));
-      objColl.Add(entity);
-      rs.MoveNext();
-    }
+    addProdNoRows(rs, objColl);
     rs.Close();
     // No success value is ever stored: the filled collection is the answer.
   } catch (...) {
@@ -413,6 +402,15 @@ std::int16_t clsDataPOrderChk::QuerySalerID(clsEntBOrderh& Entity) {
     writeHandler(result, {.dropRecordset = true, .result = 0});
   }
   return result;
+}
+
+void clsDataPOrderChk::addProdNoRows(Recordset& rs, Collection& objColl) {
+  while (!rs.EOF_()) {
+    clsEntPOrderChk entity = newEntity<clsEntPOrderChk>();
+    entity.F_ProdNo(fieldOr(rs, "F_ProdNo", ""));
+    objColl.Add(entity);
+    rs.MoveNext();
+  }
 }
 
 }  // namespace tovrand

@@ -53,6 +53,25 @@ inline constexpr const char* kReviewInsert =
     "INSERT INTO `t_porderchk` (`F_ProdNo`, `F_OrderNo`, `F_CustNo`, `F_ItemNo`, `F_CorderNo`, "
     "`F_OrderCount`, `F_DeliverDate`, `F_CItemNo`) VALUES (?, ?, ?, ?, ?, ?, ?, ?)";
 
+// What AddRecord sends for two lines ("1", FG-1 and "2", FG-2) of sales order 2805001 in a month that
+// has no production number yet, with LenInt 4 on a day of May 2008.
+inline std::vector<TracedStatement> firstTwoLinesOfTheMonth() {
+  return {
+      method(kMonthQuery),
+      method(kPrefixQuery),
+      method(kReviewTable),
+      engine(kReviewInsert),
+      method("update T_BOrderi set F_ProdNo=2008050001 where F_OrderNo=2805001 and F_ItemNo='FG-1' and "
+             "f_No='1'"),
+      method("update T_BOrderh set F_Flags=1 where F_OrderNo=2805001"),
+      method(kReviewTable),
+      engine(kReviewInsert),
+      method("update T_BOrderi set F_ProdNo=2008050002 where F_OrderNo=2805001 and F_ItemNo='FG-2' and "
+             "f_No='2'"),
+      method("update T_BOrderh set F_Flags=1 where F_OrderNo=2805001"),
+  };
+}
+
 // A clsDataPOrderChk on this test's fresh database, with the trace and the messages starting empty.
 class POrderChkTest : public DatabaseTest {
  protected:

@@ -149,7 +149,9 @@ class ConcurrentAllocation : public POrderChkTest {
   }
 
   // kRounds times, kProcesses processes connect, wait together, and allocate for their own orders.
+  // The figures are printed for the record.
   Figures allocateTogether(const std::string& options) {
+    auto start = std::chrono::steady_clock::now();
     Figures figures;
     for (int r = 0; r < kRounds; ++r) {
       int barrier[2];
@@ -174,6 +176,10 @@ class ConcurrentAllocation : public POrderChkTest {
         }
       }
     }
+    double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    std::printf("[ figures  ] %s: %d allocations, %d succeeded, %d failed, %s duplicate numbers (%.1f s)\n",
+                options.c_str(), figures.allocations, figures.succeeded, figures.failed, duplicates().c_str(),
+                seconds);
     return figures;
   }
 
@@ -200,20 +206,11 @@ class ConcurrentAllocation : public POrderChkTest {
         "select (select count(*) - count(distinct F_ProdNo) from t_porderchk) + "
         "(select count(F_ProdNo) - count(distinct F_ProdNo) from t_borderi)");
   }
-
-  void report(const char* mode, const Figures& f, double seconds) {
-    std::printf("[ figures  ] %s: %d allocations, %d succeeded, %d failed, %s duplicate numbers (%.1f s)\n",
-                mode, f.allocations, f.succeeded, f.failed, duplicates().c_str(), seconds);
-  }
 };
 
 TEST_F(ConcurrentAllocation, WithoutSerializationEveryCollisionIsAHandledDuplicateKeyFailure) {
-  auto start = std::chrono::steady_clock::now();
-
   Figures f = allocateTogether("server_date=2008-05-15");
 
-  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  report("without serialize_allocation", f, seconds);
   EXPECT_EQ(f.allocations, kProcesses * kRounds);
   EXPECT_GE(f.succeeded, kRounds);  // the first insert of each round always finds its number free
   const std::regex duplicate("Duplicate entry '2008050[0-9]{3}' for key 'PRIMARY'");
@@ -228,12 +225,8 @@ TEST_F(ConcurrentAllocation, WithoutSerializationEveryCollisionIsAHandledDuplica
 }
 
 TEST_F(ConcurrentAllocation, WithSerializationEveryAllocatorGetsTheNextNumber) {
-  auto start = std::chrono::steady_clock::now();
-
   Figures f = allocateTogether("server_date=2008-05-15&serialize_allocation=1");
 
-  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  report("with serialize_allocation=1", f, seconds);
   EXPECT_EQ(f.allocations, kProcesses * kRounds);
   EXPECT_EQ(f.succeeded, kProcesses * kRounds);
   EXPECT_EQ(f.failed, 0);

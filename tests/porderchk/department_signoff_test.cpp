@@ -69,6 +69,21 @@ class DepartmentSignOff : public POrderChkTest {
     return columns(names, prodNo);
   }
 
+  // Signs off `department` with signOffs(): one statement sent, the department's columns stored as
+  // given, every other column as it was, no message.
+  void signOffAndExpect(const std::string& department, const std::string& statement,
+                        const std::string& stored) {
+    clsEntPOrderChk e = signOffs();
+    std::string others = columnsBut(department);
+
+    EXPECT_EQ(chk().UpdateRecord(e, department), 1);
+
+    EXPECT_EQ(sql(), std::vector<std::string>{statement});
+    EXPECT_EQ(columns(kDepartmentColumns.at(department)), stored);
+    EXPECT_EQ(columnsBut(department), others);
+    EXPECT_TRUE(messages().messages().empty());
+  }
+
   // A review entity carrying a sign-off for every department.
   static clsEntPOrderChk signOffs() {
     clsEntPOrderChk e;
@@ -111,50 +126,27 @@ class DepartmentSignOff : public POrderChkTest {
 };
 
 TEST_F(DepartmentSignOff, SalesWritesTradeConditionAlertNoteNoteCheckerAndTime) {
-  clsEntPOrderChk e = signOffs();
-  std::string others = columnsBut("业务");
-
-  EXPECT_EQ(chk().UpdateRecord(e, "业务"), 1);
-
-  EXPECT_EQ(sql(), std::vector<std::string>{
-                       "update t_POrderChk set F_BStradCon=1,F_BSAlertNote='加急', F_BSNote='按期交货' "
-                       ",F_BSChecker='王伟', F_BSCheckTime='2008-5-15 10:30:00' where F_ProdNo=2008050001"});
-  EXPECT_EQ(columns(kDepartmentColumns.at("业务")), "1|加急|按期交货|王伟|2008-05-15 10:30:00");
-  EXPECT_EQ(columnsBut("业务"), others);
-  EXPECT_TRUE(messages().messages().empty());
+  signOffAndExpect("业务",
+                   "update t_POrderChk set F_BStradCon=1,F_BSAlertNote='加急', F_BSNote='按期交货' "
+                   ",F_BSChecker='王伟', F_BSCheckTime='2008-5-15 10:30:00' where F_ProdNo=2008050001",
+                   "1|加急|按期交货|王伟|2008-05-15 10:30:00");
 }
 
 TEST_F(DepartmentSignOff, EngineeringWritesItsFlagsWithADateOnlyCheckTime) {
-  clsEntPOrderChk e = signOffs();
-  std::string others = columnsBut("工程");
-
-  EXPECT_EQ(chk().UpdateRecord(e, "工程"), 1);
-
-  EXPECT_EQ(sql(),
-            std::vector<std::string>{
-                "update t_POrderChk set F_EGAdmit=1,F_EGNote='图纸已确认', F_EGModel=0 ,F_EGChecker='李娜', "
-                "F_EGCheckTime='2008-5-16' where F_ProdNo=2008050001"});
-  EXPECT_EQ(columns(kDepartmentColumns.at("工程")), "1|图纸已确认|0|李娜|2008-05-16 00:00:00");
-  EXPECT_EQ(columnsBut("工程"), others);
-  EXPECT_TRUE(messages().messages().empty());
+  signOffAndExpect(
+      "工程",
+      "update t_POrderChk set F_EGAdmit=1,F_EGNote='图纸已确认', F_EGModel=0 ,F_EGChecker='李娜', "
+      "F_EGCheckTime='2008-5-16' where F_ProdNo=2008050001",
+      "1|图纸已确认|0|李娜|2008-05-16 00:00:00");
 }
 
 TEST_F(DepartmentSignOff, WarehouseWritesItsFiguresAsShortestDecimalsAndAZeroDateAsMidnightTime) {
-  clsEntPOrderChk e = signOffs();
-  std::string others = columnsBut("仓库");
-
-  EXPECT_EQ(chk().UpdateRecord(e, "仓库"), 1);
-
-  EXPECT_EQ(sql(),
-            std::vector<std::string>{
-                "update t_POrderChk set F_WIFill=12.5,F_WIEndtime='2008-6-1 8:00:00', "
-                "F_WPStock=0.333333333333333,F_WPEndTime='0:00:00',F_WINote='库存不足' ,F_WIChecker='张强', "
-                "F_wiCheckTime='2008-5-17 14:05:09' where F_ProdNo=2008050001"});
-  EXPECT_EQ(
-      columns(kDepartmentColumns.at("仓库")),
+  signOffAndExpect(
+      "仓库",
+      "update t_POrderChk set F_WIFill=12.5,F_WIEndtime='2008-6-1 8:00:00', "
+      "F_WPStock=0.333333333333333,F_WPEndTime='0:00:00',F_WINote='库存不足' ,F_WIChecker='张强', "
+      "F_wiCheckTime='2008-5-17 14:05:09' where F_ProdNo=2008050001",
       "12.5|2008-06-01 08:00:00|0.333333333333333|0000-00-00 00:00:00|库存不足|张强|2008-05-17 14:05:09");
-  EXPECT_EQ(columnsBut("仓库"), others);
-  EXPECT_TRUE(messages().messages().empty());
 }
 
 TEST_F(DepartmentSignOff, WarehouseFiguresOutsideFifteenDigitsAreWrittenInExponentForm) {
@@ -172,59 +164,31 @@ TEST_F(DepartmentSignOff, WarehouseFiguresOutsideFifteenDigitsAreWrittenInExpone
 }
 
 TEST_F(DepartmentSignOff, PurchasingWritesSupplierFlagNoteCheckerAndTime) {
-  clsEntPOrderChk e = signOffs();
-  std::string others = columnsBut("采购");
-
-  EXPECT_EQ(chk().UpdateRecord(e, "采购"), 1);
-
-  EXPECT_EQ(sql(), std::vector<std::string>{
-                       "update t_POrderChk set F_PUprovider=2,F_PUNote='供应商已确认' ,F_PUChecker='赵敏', "
-                       "F_PUCheckTime='2008-5-18 9:00:00' where F_ProdNo=2008050001"});
-  EXPECT_EQ(columns(kDepartmentColumns.at("采购")), "2|供应商已确认|赵敏|2008-05-18 09:00:00");
-  EXPECT_EQ(columnsBut("采购"), others);
-  EXPECT_TRUE(messages().messages().empty());
+  signOffAndExpect("采购",
+                   "update t_POrderChk set F_PUprovider=2,F_PUNote='供应商已确认' ,F_PUChecker='赵敏', "
+                   "F_PUCheckTime='2008-5-18 9:00:00' where F_ProdNo=2008050001",
+                   "2|供应商已确认|赵敏|2008-05-18 09:00:00");
 }
 
 TEST_F(DepartmentSignOff, QualityAssuranceWritesANegativeFlagAsItsDigits) {
-  clsEntPOrderChk e = signOffs();
-  std::string others = columnsBut("品保");
-
-  EXPECT_EQ(chk().UpdateRecord(e, "品保"), 1);
-
-  EXPECT_EQ(sql(), std::vector<std::string>{
-                       "update t_POrderChk set F_QCStd=-1,F_QCNote='按标准检验' ,F_QChecker='孙丽', "
-                       "F_QCheckTime='2008-5-19 23:59:59' where F_ProdNo=2008050001"});
-  EXPECT_EQ(columns(kDepartmentColumns.at("品保")), "-1|按标准检验|孙丽|2008-05-19 23:59:59");
-  EXPECT_EQ(columnsBut("品保"), others);
-  EXPECT_TRUE(messages().messages().empty());
+  signOffAndExpect("品保",
+                   "update t_POrderChk set F_QCStd=-1,F_QCNote='按标准检验' ,F_QChecker='孙丽', "
+                   "F_QCheckTime='2008-5-19 23:59:59' where F_ProdNo=2008050001",
+                   "-1|按标准检验|孙丽|2008-05-19 23:59:59");
 }
 
 TEST_F(DepartmentSignOff, ProductionControlWritesDateFlagNoteCheckerAndTime) {
-  clsEntPOrderChk e = signOffs();
-  std::string others = columnsBut("生管");
-
-  EXPECT_EQ(chk().UpdateRecord(e, "生管"), 1);
-
-  EXPECT_EQ(sql(), std::vector<std::string>{
-                       "update t_POrderChk set F_MKDate=3,F_MkNote='排产第三周' ,F_MKChecker='周洋', "
-                       "F_MKCheckTime='2008-5-20 0:00:01' where F_ProdNo=2008050001"});
-  EXPECT_EQ(columns(kDepartmentColumns.at("生管")), "3|排产第三周|周洋|2008-05-20 00:00:01");
-  EXPECT_EQ(columnsBut("生管"), others);
-  EXPECT_TRUE(messages().messages().empty());
+  signOffAndExpect("生管",
+                   "update t_POrderChk set F_MKDate=3,F_MkNote='排产第三周' ,F_MKChecker='周洋', "
+                   "F_MKCheckTime='2008-5-20 0:00:01' where F_ProdNo=2008050001",
+                   "3|排产第三周|周洋|2008-05-20 00:00:01");
 }
 
 TEST_F(DepartmentSignOff, FinalReviewWritesNoteWayCheckerAndTime) {
-  clsEntPOrderChk e = signOffs();
-  std::string others = columnsBut("终审");
-
-  EXPECT_EQ(chk().UpdateRecord(e, "终审"), 1);
-
-  EXPECT_EQ(sql(), std::vector<std::string>{
-                       "update t_POrderChk set F_CSNote='同意生产',F_Way='自制' ,F_csChecker='陈刚', "
-                       "F_csCheckTime='2008-5-20 17:45:00' where F_ProdNo=2008050001"});
-  EXPECT_EQ(columns(kDepartmentColumns.at("终审")), "同意生产|自制|陈刚|2008-05-20 17:45:00");
-  EXPECT_EQ(columnsBut("终审"), others);
-  EXPECT_TRUE(messages().messages().empty());
+  signOffAndExpect("终审",
+                   "update t_POrderChk set F_CSNote='同意生产',F_Way='自制' ,F_csChecker='陈刚', "
+                   "F_csCheckTime='2008-5-20 17:45:00' where F_ProdNo=2008050001",
+                   "同意生产|自制|陈刚|2008-05-20 17:45:00");
 }
 
 TEST_F(DepartmentSignOff, ZeroDatesAreWrittenAsMidnightTimeAndStoredAsTheZeroDatetime) {

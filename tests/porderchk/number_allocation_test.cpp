@@ -31,60 +31,34 @@ TEST_F(NumberAllocation, FirstNumbersOfAMonthWithLenIntFourAreMonthPrefixAndFour
 
   EXPECT_EQ(chk().AddRecord(lines, "2805001", "C001", "PO-1", 4), 1);
 
-  EXPECT_EQ(trace().statements(),
-            (std::vector<TracedStatement>{
-                method(kMonthQuery),
-                method(kPrefixQuery),
-                method(kReviewTable),
-                engine(kReviewInsert),
-                method("update T_BOrderi set F_ProdNo=2008050001 where F_OrderNo=2805001 and F_ItemNo='FG-1' "
-                       "and f_No='1'"),
-                method("update T_BOrderh set F_Flags=1 where F_OrderNo=2805001"),
-                method(kReviewTable),
-                engine(kReviewInsert),
-                method("update T_BOrderi set F_ProdNo=2008050002 where F_OrderNo=2805001 and F_ItemNo='FG-2' "
-                       "and f_No='2'"),
-                method("update T_BOrderh set F_Flags=1 where F_OrderNo=2805001"),
-            }));
+  EXPECT_EQ(trace().statements(), firstTwoLinesOfTheMonth());
   EXPECT_EQ(reviews(), "2008050001,2008050002");
   EXPECT_EQ(lineNumbers(2805001), "2008050001,2008050002");
   EXPECT_TRUE(messages().messages().empty());
 }
 
-TEST_F(NumberAllocation, LenIntTwoStartsTheMonthWithTwoDigits) {
-  Collection lines;
-  salesOrder(lines, 2805001, 2);
+TEST_F(NumberAllocation, LenIntTwoThreeAndFiveStartTheMonthWithThatManyDigits) {
+  struct Case {
+    std::int16_t lenInt;
+    std::string first, second;
+  };
+  for (const Case& c : {Case{2, "20080501", "20080502"}, Case{3, "200805001", "200805002"},
+                        Case{5, "20080500001", "20080500002"}}) {
+    SCOPED_TRACE(c.lenInt);
+    exec("delete from t_porderchk; delete from t_borderi; delete from t_borderh");
+    trace().clear();
+    Collection lines;
+    salesOrder(lines, 2805001, 2);
 
-  EXPECT_EQ(chk().AddRecord(lines, "2805001", "C001", "PO-1", 2), 1);
+    EXPECT_EQ(chk().AddRecord(lines, "2805001", "C001", "PO-1", c.lenInt), 1);
 
-  EXPECT_EQ(reviews(), "20080501,20080502");
-  EXPECT_EQ(
-      sql()[3],
-      "update T_BOrderi set F_ProdNo=20080501 where F_OrderNo=2805001 and F_ItemNo='FG-1' and f_No='1'");
-}
-
-TEST_F(NumberAllocation, LenIntThreeStartsTheMonthWithThreeDigits) {
-  Collection lines;
-  salesOrder(lines, 2805001, 2);
-
-  EXPECT_EQ(chk().AddRecord(lines, "2805001", "C001", "PO-1", 3), 1);
-
-  EXPECT_EQ(reviews(), "200805001,200805002");
-  EXPECT_EQ(
-      sql()[3],
-      "update T_BOrderi set F_ProdNo=200805001 where F_OrderNo=2805001 and F_ItemNo='FG-1' and f_No='1'");
-}
-
-TEST_F(NumberAllocation, LenIntFiveStartsTheMonthWithFiveDigits) {
-  Collection lines;
-  salesOrder(lines, 2805001, 2);
-
-  EXPECT_EQ(chk().AddRecord(lines, "2805001", "C001", "PO-1", 5), 1);
-
-  EXPECT_EQ(reviews(), "20080500001,20080500002");
-  EXPECT_EQ(sql()[6],
-            "update T_BOrderi set F_ProdNo=20080500002 where F_OrderNo=2805001 and F_ItemNo='FG-2' and "
-            "f_No='2'");
+    EXPECT_EQ(reviews(), c.first + "," + c.second);
+    ASSERT_EQ(sql().size(), 8u);
+    EXPECT_EQ(sql()[3], "update T_BOrderi set F_ProdNo=" + c.first +
+                            " where F_OrderNo=2805001 and F_ItemNo='FG-1' and f_No='1'");
+    EXPECT_EQ(sql()[6], "update T_BOrderi set F_ProdNo=" + c.second +
+                            " where F_OrderNo=2805001 and F_ItemNo='FG-2' and f_No='2'");
+  }
 }
 
 TEST_F(NumberAllocation, LenIntOutsideTwoToFiveInAMonthWithoutNumbersAllocatesFromZero) {
