@@ -16,12 +16,13 @@ namespace {
 class AllocationLock {
  public:
   static constexpr int kLockSeconds = 10;
+  // One lock per database: other databases on the same server allocate their own numbers. The name
+  // stays within the 64 characters every server takes.
+  static constexpr const char* kLockName = "concat('tovrand.allocation.', left(database(), 45))";
 
   AllocationLock(std::shared_ptr<Recordset> rs, ConnectionPtr connection)
       : rs_(std::move(rs)), connection_(std::move(connection)) {
-    openRead(*rs_,
-             "select get_lock(concat('tovrand.allocation.', left(database(), 45)), " + CStr(kLockSeconds) +
-                 ") as Locked",
+    openRead(*rs_, std::string("select get_lock(") + kLockName + ", " + CStr(kLockSeconds) + ") as Locked",
              connection_);
     Value locked = rs_->Fields("Locked").value();
     rs_->Close();
@@ -36,7 +37,7 @@ class AllocationLock {
   ~AllocationLock() {
     // A session that cannot run this has lost its connection, and with it the lock.
     try {
-      openRead(*rs_, "select release_lock(concat('tovrand.allocation.', left(database(), 45)))", connection_);
+      openRead(*rs_, std::string("select release_lock(") + kLockName + ")", connection_);
       rs_->Close();
     } catch (...) {
     }
