@@ -33,6 +33,10 @@ enum CommandTypeEnum : int {
 class Connection {
  public:
   virtual ~Connection() = default;
+  // Whether the site asked that production numbers be allocated one client at a time
+  // (clsDataPOrderChk.AddRecord then holds the server's named lock while it allocates). A setting
+  // of the connection, off unless the connection's settings turn it on.
+  virtual bool serializesAllocation() const { return false; }
 };
 
 class Recordset;

@@ -60,6 +60,12 @@ bool applyOption(ConnectionSettings& s, std::string_view key, const std::string&
            value + "'");
     }
     s.serverDate = value;
+  } else if (k == "serialize_allocation") {
+    if (value != "0" && value != "1") {
+      fail("the option serialize_allocation of " + std::string(where) + " must be 0 or 1, not '" + value +
+           "'");
+    }
+    s.serializeAllocation = value == "1";
   } else if (k == "short_date") {
     s.shortDate = value;
   } else if (k == "long_time") {
@@ -182,7 +188,7 @@ ConnectionSettings ConnectionSettings::parse(std::string_view dsnText, std::stri
     for (auto& [key, value] : splitOdbc(std::string_view(dsn).substr(kOdbc.size()), where)) {
       std::string k = toLowerAscii(key);
       if (k == "server_date" || k == "short_date" || k == "long_time" || k == "timeout" ||
-          k == "connect_timeout") {
+          k == "connect_timeout" || k == "serialize_allocation") {
         applyOption(s, k, value, where);
         continue;
       }
@@ -261,7 +267,8 @@ ConnectionSettings ConnectionSettings::parse(std::string_view dsnText, std::stri
     std::string key = urlDecode(pair.substr(0, eq));
     if (!applyOption(s, key, urlDecode(pair.substr(eq + 1)), origin)) {
       fail(std::string(origin) + " has an unknown option '" + key +
-           "' (known: server_date, short_date, long_time, socket, driver, timeout, connect_timeout)");
+           "' (known: server_date, short_date, long_time, serialize_allocation, socket, driver, timeout, "
+           "connect_timeout)");
     }
   }
   return s;
@@ -330,7 +337,8 @@ std::string ConnectionSettings::odbcConnectionString() const {
 }
 
 std::string ConnectionSettings::connectionKey() const {
-  return odbcConnectionString() + "\n" + serverDate;
+  // The named lock is taken on the session, so sessions with and without it are kept apart.
+  return odbcConnectionString() + "\n" + serverDate + (serializeAllocation ? "\nserialize_allocation" : "");
 }
 
 std::string ConnectionSettings::redacted() const {

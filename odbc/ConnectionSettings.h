@@ -14,7 +14,10 @@ namespace tovrand {
 // (regional settings patterns), driver= (ODBC driver name or library path), timeout= (seconds: every
 // read and write of the server's answers, and connecting, give up after it, so that a server that
 // stops answering ends a call in a handled error instead of freezing the caller; default 30 for
-// reads and writes, 10 for connecting) and connect_timeout= (seconds, connecting only) after a '?' of a
+// reads and writes, 10 for connecting), connect_timeout= (seconds, connecting only) and
+// serialize_allocation=1 (clsDataPOrderChk.AddRecord holds a named server lock from reading the
+// month's numbers to its last new review, so that clients allocating at the same moment queue
+// instead of colliding; 0, the default, sends only the component's own statements) after a '?' of a
 // mysql URL, or as keys of a raw ODBC string (they are taken out before it reaches the driver).
 // Every error is a VbError 0x80004005 whose text says what is wrong; no text ever holds the password.
 struct ConnectionSettings {
@@ -35,6 +38,7 @@ struct ConnectionSettings {
   static constexpr int kDefaultConnectTimeoutSeconds = 10;
   std::string shortDate;  // regional settings patterns, "" keeps the default
   std::string longTime;
+  bool serializeAllocation = false;  // serialize_allocation=1
 
   // Parses one setting; `origin` names where it came from in error texts ("TOVRAND_DSN", a file).
   static ConnectionSettings parse(std::string_view dsn, std::string_view origin = "the connection setting");

@@ -211,6 +211,9 @@ std::size_t OdbcConnection::sharedCount() {
 const ConnectionSettings& OdbcConnection::settings() const {
   return impl_->settings;
 }
+bool OdbcConnection::serializesAllocation() const {
+  return impl_->settings.serializeAllocation;
+}
 void OdbcConnection::execute(std::string_view sql) {
   impl_->live();
   impl_->run(sql);

@@ -37,6 +37,8 @@ class OdbcConnection final : public Connection {
   OdbcConnection& operator=(const OdbcConnection&) = delete;
 
   const ConnectionSettings& settings() const;
+  // The serialize_allocation option of the settings.
+  bool serializesAllocation() const override;
 
   // Runs a statement outside the trace (the engine's own housekeeping, fixtures). On a connection
   // whose settings turn client multi-statements on, every result of the text is consumed and the first

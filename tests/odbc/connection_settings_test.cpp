@@ -104,6 +104,37 @@ TEST(ConnectionSettingsTest, ATimeoutThatIsNotAWholeNumberOfSecondsIsRefused) {
   }
 }
 
+TEST(ConnectionSettingsTest, SerializeAllocationIsOffUnlessTheSettingTurnsItOn) {
+  EXPECT_FALSE(ConnectionSettings::parse("mysql://u:p@h/d").serializeAllocation);
+  EXPECT_FALSE(ConnectionSettings::parse("mysql://u:p@h/d?serialize_allocation=0").serializeAllocation);
+  auto url = ConnectionSettings::parse("mysql://u:p@h/d?server_date=2008-05-15&serialize_allocation=1");
+  EXPECT_TRUE(url.serializeAllocation);
+  EXPECT_EQ(url.serverDate, "2008-05-15");
+  auto raw = ConnectionSettings::parse("odbc:DSN=erp;serialize_allocation=1;UID=u");
+  EXPECT_TRUE(raw.serializeAllocation);
+  // Taken out before the string reaches the driver.
+  EXPECT_EQ(raw.odbcConnectionString(), "DSN=erp;UID=u;CONN_TIMEOUT=10;READ_TIMEOUT=30;WRITE_TIMEOUT=30;");
+}
+
+TEST(ConnectionSettingsTest, SerializeAllocationOtherThanZeroOrOneIsAClearError) {
+  for (const char* bad : {"mysql://u:p@h/d?serialize_allocation=yes",
+                          "mysql://u:p@h/d?serialize_allocation=", "odbc:DSN=erp;serialize_allocation=2"}) {
+    VbError e = errorOf([&] { ConnectionSettings::parse(bad, "TOVRAND_DSN"); });
+    EXPECT_EQ(e.number(), -2147467259) << bad;
+    EXPECT_NE(e.description().find("serialize_allocation"), std::string::npos) << e.description();
+    EXPECT_NE(e.description().find("must be 0 or 1"), std::string::npos) << e.description();
+  }
+}
+
+TEST(ConnectionSettingsTest, SerializedAndPlainAllocationNeverShareAConnection) {
+  auto plain = ConnectionSettings::parse("mysql://u:p@h/d?server_date=2008-05-15");
+  auto off = ConnectionSettings::parse("mysql://u:p@h/d?server_date=2008-05-15&serialize_allocation=0");
+  auto on = ConnectionSettings::parse("mysql://u:p@h/d?server_date=2008-05-15&serialize_allocation=1");
+  EXPECT_EQ(plain.connectionKey(), off.connectionKey());
+  EXPECT_NE(plain.connectionKey(), on.connectionKey());
+  EXPECT_EQ(plain.odbcConnectionString(), on.odbcConnectionString());
+}
+
 TEST(ConnectionSettingsTest, MalformedSettingsRaiseAClearErrorWithoutThePassword) {
   for (const char* bad :
        {"", "postgres://u:Secret99@h/d", "mysql://u:Secret99@h", "mysql://u:Secret99@h:99999/d",

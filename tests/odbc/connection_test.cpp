@@ -78,6 +78,14 @@ TEST_F(ConnectionTest, DifferentServerDatesGetDifferentConnections) {
   EXPECT_NE(connectionId(pinned), connectionId(other));
 }
 
+TEST_F(ConnectionTest, TheConnectionAnswersWhetherAllocationIsSerializedFromItsSettings) {
+  auto plain = openHolder();
+  auto serialized = openHolder("serialize_allocation=1");
+  EXPECT_FALSE(plain->Connection()->serializesAllocation());
+  EXPECT_TRUE(serialized->Connection()->serializesAllocation());
+  EXPECT_NE(connectionId(plain), connectionId(serialized));
+}
+
 TEST_F(ConnectionTest, ServerDatePinsCurdate) {
   auto holder = openHolder("server_date=2008-05-15");
   auto rs = std::make_shared<OdbcRecordset>();

@@ -382,10 +382,11 @@ TEST_F(PlanningCreation, AFailedComputationShowsItsMessageAndThePlanningGoesOnWi
 }
 
 TEST_F(PlanningCreation, LinesAreWrittenByColumnNameWhateverKeyThePlanningLinesHave) {
-  // Planning lines keyed by an id of their own, the production number and material kept unique.
-  exec(
-      "alter table t_pmrpi drop primary key, add F_ID int not null auto_increment primary key first, "
-      "add unique key ux_pmrpi_prodno_itemno (F_ProdNo, F_ItemNo)");
+  // Planning lines are keyed by an id of their own, the production number and material kept unique.
+  ASSERT_EQ(scalar("select group_concat(column_name order by ordinal_position) from "
+                   "information_schema.key_column_usage where table_schema=database() and "
+                   "table_name='t_pmrpi' and constraint_name='PRIMARY'"),
+            "F_ID");
   exec(kSecondCall);
   clsEntPMrph entity = header(2026110004, "P-300");
   entity.F_NeedQty(50.0);
