@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include "frame/Messages.h"
@@ -104,6 +105,18 @@ TEST_F(LostSession, ObjectsSharingTheConnectionAllReconnectOnce) {
   EXPECT_EQ(order.F_CustNo(), "C002");
 }
 
+// Whether the process has reached the stopped state (state T in /proc/PID/stat) within a second.
+bool waitUntilStopped(pid_t pid) {
+  for (int i = 0; i < 100; ++i) {
+    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+    std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
+    std::size_t close = text.rfind(')');
+    if (close != std::string::npos && close + 2 < text.size() && text[close + 2] == 'T') return true;
+    ::usleep(10000);
+  }
+  return false;
+}
+
 // A private server of this test alone, so that stopping it freezes nothing else.
 class FrozenServer : public ::testing::Test {
  protected:
@@ -128,7 +141,7 @@ class FrozenServer : public ::testing::Test {
         "/mysqld.sock tovrand -e \"insert into t_porder (F_ProdNo, F_CustNo) values (2026110001, "
         "'C001')\"";
     ASSERT_EQ(std::system(row.c_str()), 0);
-    std::ifstream pidFile(dir_ + "/mysqld.pid");
+    std::ifstream pidFile(dir_ + "/server.pid");
     pidFile >> serverPid_;
     ASSERT_GT(serverPid_, 0);
   }
@@ -150,6 +163,7 @@ TEST_F(FrozenServer, ACallToAServerThatStopsAnsweringEndsWithinTheTimeoutAndTheO
   ASSERT_EQ(porder.QueryItem(order), 1);
 
   ASSERT_EQ(::kill(serverPid_, SIGSTOP), 0);
+  ASSERT_TRUE(waitUntilStopped(serverPid_));
   std::int16_t result = -1;
   double took = secondsOf([&] { result = porder.QueryItem(order); });
   EXPECT_EQ(result, 0);
