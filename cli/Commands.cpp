@@ -13,6 +13,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cli/Demo.h"
 #include "cli/Embedded.h"
 #include "cli/Process.h"
 #include "cli/Runner.h"
@@ -53,9 +54,21 @@ const CLI::Validator kIsoDate(
     },
     "YYYY-MM-DD");
 
-// Runs a script on the configured database, or on a private one loaded with `sqlTexts`.
-int runOn(std::istream& in, RunOptions options, const std::string& explicitDsn,
-          const std::vector<std::string>& (*sqlTexts)(), const char* privateServerDate) {
+const std::vector<std::string>& schemaOnly() {
+  static const std::vector<std::string> texts{schemaSql()};
+  return texts;
+}
+
+const std::vector<std::string>& schemaAndSample() {
+  static const std::vector<std::string> texts{schemaSql(), sampleSql()};
+  return texts;
+}
+
+// Runs `body` with `options` on the configured database, or on a private one loaded with `sqlTexts`
+// (curdate() then pinned to `privateServerDate` unless the options pin it).
+template <class Body>
+int onDatabase(RunOptions options, const std::string& explicitDsn,
+               const std::vector<std::string>& (*sqlTexts)(), const char* privateServerDate, Body body) {
   std::optional<std::string> dsn;
   try {
     dsn = configuredDsn(explicitDsn);
@@ -75,17 +88,13 @@ int runOn(std::istream& in, RunOptions options, const std::string& explicitDsn,
     if (options.serverDate.empty() && privateServerDate) options.serverDate = privateServerDate;
   }
   options.dsn = *dsn;
-  return runScript(in, std::cout, options);
+  return body(options);
 }
 
-const std::vector<std::string>& schemaOnly() {
-  static const std::vector<std::string> texts{schemaSql()};
-  return texts;
-}
-
-const std::vector<std::string>& schemaAndSample() {
-  static const std::vector<std::string> texts{schemaSql(), sampleSql()};
-  return texts;
+// Runs a script on the configured database, or on a private one with the schema.
+int runOn(std::istream& in, const RunOptions& options, const std::string& explicitDsn) {
+  return onDatabase(options, explicitDsn, schemaOnly, nullptr,
+                    [&](const RunOptions& o) { return runScript(in, std::cout, o); });
 }
 
 }  // namespace
@@ -108,11 +117,16 @@ int commandMain(int argc, char** argv) {
   run->add_option("FILE", runFile, "the script, or - for standard input")->required();
 
   std::string demoDsn;
+  DemoOptions demoOptions;
   CLI::App* demo = app.add_subcommand(
-      "demo", "Add, read, update and list production orders, printing each request and its answer");
+      "demo",
+      "Follow one sales order through the four classes: production numbers, the departments' review, "
+      "production orders, planning with stock reservation, purchasing and the release of a planning");
   demo->add_option("--dsn", demoDsn,
-                   "connection setting; default TOVRAND_DSN, then the configuration file, else a private "
-                   "database with the schema and the sample data");
+                   "connection setting of a database holding the sample data; default TOVRAND_DSN, then the "
+                   "configuration file, else a private database with the schema and the sample data");
+  demo->add_flag("--trace", demoOptions.trace, "print every statement each call sent");
+  demo->add_flag("--json", demoOptions.json, "print the raw `tovrand run` answers instead of the tables");
 
   CLI::App* schema = app.add_subcommand("schema", "Print the schema (schema/tovrand.sql)");
 
@@ -133,26 +147,23 @@ int commandMain(int argc, char** argv) {
   }
 
   if (run->parsed()) {
-    if (runFile == "-") return runOn(std::cin, runOptions, runDsn, schemaOnly, nullptr);
+    if (runFile == "-") return runOn(std::cin, runOptions, runDsn);
     std::ifstream in(runFile, std::ios::binary);
     if (!in) {
       std::cerr << "tovrand: cannot read " << runFile << '\n';
       return kUsageError;
     }
-    return runOn(in, runOptions, runDsn, schemaOnly, nullptr);
+    return runOn(in, runOptions, runDsn);
   }
   if (demo->parsed()) {
-    std::string script;
-    try {
-      script = demoScript();
-    } catch (const std::exception& e) {
-      std::cerr << "tovrand: " << e.what() << '\n';
-      return kFailure;
-    }
-    std::istringstream in(script);
     RunOptions options;
-    options.echo = true;
-    return runOn(in, options, demoDsn, schemaAndSample, kDemoServerDate);
+    options.trace = demoOptions.trace;
+    // The sample data tells of November 2026, on whatever database it was loaded into.
+    options.serverDate = kDemoServerDate;
+    return onDatabase(options, demoDsn, schemaAndSample, kDemoServerDate, [&](const RunOptions& o) {
+      ScriptRunner runner(o);
+      return runDemo(runner, std::cout, std::cerr, demoOptions);
+    });
   }
   if (schema->parsed()) {
     try {

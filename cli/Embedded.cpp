@@ -10,7 +10,7 @@ namespace tovrand::cli {
 namespace {
 
 // The assembler copies a file into the program's read-only data, followed by a NUL so that the
-// text's end is known; the SQL texts and the script never contain a NUL themselves.
+// text's end is known; the SQL texts never contain a NUL themselves.
 #define TOVRAND_EMBED(symbol, path)                                                                 \
   asm(".section .rodata\n.global " #symbol "\n" #symbol ":\n.incbin \"" TOVRAND_SOURCE_DIR "/" path \
       "\"\n.byte 0\n.previous\n");                                                                  \
@@ -30,13 +30,6 @@ const char* const kSample = tovrand_embedded_sample_sql;
 const char* const kSample = nullptr;
 #endif
 
-#if __has_include("demo.jsonl")
-TOVRAND_EMBED(tovrand_embedded_demo_jsonl, "cli/demo.jsonl")
-const char* const kDemo = tovrand_embedded_demo_jsonl;
-#else
-const char* const kDemo = nullptr;
-#endif
-
 std::string builtInOrFile(const char* builtIn, const char* relativePath) {
   if (builtIn) return std::string(builtIn, std::strlen(builtIn));
   const std::string path = std::string(TOVRAND_SOURCE_DIR) + "/" + relativePath;
@@ -54,9 +47,6 @@ std::string schemaSql() {
 }
 std::string sampleSql() {
   return builtInOrFile(kSample, "schema/sample.sql");
-}
-std::string demoScript() {
-  return builtInOrFile(kDemo, "cli/demo.jsonl");
 }
 
 }  // namespace tovrand::cli

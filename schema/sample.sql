@@ -200,7 +200,7 @@ INSERT INTO t_boutmakei (F_OrderOutNo, F_No, F_ProdNo, F_ItemNo, F_VendorNo, F_o
   (26100008, '1', 2026100002, 'FG-1003', 'V004', 300, '2026-10-28 14:00:00'),
   (26110002, '1', 2026100002, 'FG-1003', 'V004', 200, '2026-11-06 09:30:00');
 
--- Stock summary (no row yet for the desk materials, the chair seat and two products) and the
+-- Stock summary (no row yet for the desk materials, the chair seat and the desk itself) and the
 -- stock on hand per warehouse location.
 INSERT INTO t_wstockqtyh (F_ItemNo, F_SafeQty, F_NoPoStockQty) VALUES
   ('RM-2001', 100,  350),
@@ -216,7 +216,8 @@ INSERT INTO t_wstockqtyh (F_ItemNo, F_SafeQty, F_NoPoStockQty) VALUES
   ('RM-2012', 500,  1500),
   ('RM-2013', 1000, 6000),
   ('FG-1001', 200,  150),
-  ('FG-1002', 20,   12);
+  ('FG-1002', 20,   12),
+  ('FG-1003', 50,   250);
 
 INSERT INTO t_wstockqtyi (F_ItemNo, F_WhNo, F_StockQty) VALUES
   ('RM-2001', 'W01',   420),
@@ -234,7 +235,8 @@ INSERT INTO t_wstockqtyi (F_ItemNo, F_WhNo, F_StockQty) VALUES
   ('RM-2013', 'W01',   4000),
   ('RM-2013', 'W01-B', 3000),
   ('FG-1001', 'W02',   350),
-  ('FG-1002', 'W02',   32);
+  ('FG-1002', 'W02',   32),
+  ('FG-1003', 'W02',   300);
 
 -- Stock reserved by planning.
 INSERT INTO t_wstockqtys (F_ProdNo, F_ItemNo, F_ReduceQty) VALUES
