@@ -268,7 +268,9 @@ INSERT INTO t_cpuri (F_PurNo, F_ItemNo, F_ProdNo, F_PurQty, F_DeliverDate, F_Sta
   ('PO-26111003', 'RM-2002', 2026110001, 5050,   '2026-12-05', 0),
   ('PO-26111003', 'FG-1002', 2026100003, 300,    '2026-11-28', 0);
 
--- Material planning: a header per production order (the product) and a line per material.
+-- Material planning: a header per production order (the product) and a line per material. The
+-- kettles of 2026100003 are bought directly, so its lines request nothing and were never taken up
+-- (status 0).
 INSERT INTO t_pmrph (F_ProdNo, F_ItemNo, F_OrderQty, F_SafeQty, F_NeedQty, F_PlanPurQty, F_Status) VALUES
   (2026090001, 'FG-1001', 3000, 200, 2800, 0,   3),
   (2026090003, 'FG-1003', 1200, 0,   1200, 0,   2),
@@ -295,4 +297,6 @@ INSERT INTO t_pmrpi (F_ProdNo, F_ItemNo, F_Dosage, F_Waste, F_SafeQty, F_Request
   (2026110001, 'RM-2002', 1,      0.01, 200,  5252,   5,  1),
   (2026110001, 'RM-2003', 1,      0.02, 200,  5304,   3,  1),
   (2026110001, 'PK-2004', 1,      0,    500,  4780,   5,  1),
-  (2026110001, 'PK-2005', 0.0417, 0,    50,   216.84, 3,  1);
+  (2026110001, 'PK-2005', 0.0417, 0,    50,   216.84, 3,  1),
+  (2026100003, 'RM-2001', 0.45,   0.05, 100,  0,      7,  0),
+  (2026100003, 'RM-2006', 1,      0.01, 50,   0,      10, 0);

@@ -151,11 +151,11 @@ TEST_F(SampleDataTest, OpenPurchasesOfAMaterialLeaveOutClosedOrdersAndLines) {
             "236.8");
 }
 
-TEST_F(SampleDataTest, PlanningHeadersAndLinesCoverStatusesOneToThree) {
+TEST_F(SampleDataTest, PlanningHeadersCoverStatusesOneToThreeAndLinesZeroToThree) {
   EXPECT_EQ(scalar("select group_concat(distinct F_Status order by F_Status separator ',') from T_PMrph"),
             "1,2,3");
   EXPECT_EQ(scalar("select group_concat(distinct F_Status order by F_Status separator ',') from T_PMrpi"),
-            "1,2,3");
+            "0,1,2,3");
   EXPECT_GE(count("select count(*) from T_PMrph where F_PlanPurQty > '0'"), 1);
   EXPECT_GE(count("select count(*) from T_PMrpi where F_RequestQty > '0'"), 1);
   EXPECT_EQ(count("select count(*) from T_PMrpi i where not exists "
