@@ -20,7 +20,12 @@ constexpr double kExactWholeLimit = 9007199254740992.0;
 
 std::string shown(const Json& j) {
   std::string text = j.dump(-1, ' ', false, Json::error_handler_t::replace);
-  if (text.size() > 60) text = text.substr(0, 57) + "...";
+  if (text.size() > 60) {
+    // Cut before a character, never inside one: the error line must stay whole UTF-8.
+    std::size_t cut = 57;
+    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
+    text = text.substr(0, cut) + "...";
+  }
   return text;
 }
 
