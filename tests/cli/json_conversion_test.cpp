@@ -119,6 +119,30 @@ TEST(EntityJson, AWrongKindIsQuotedShortWithoutCuttingACharacter) {
   }
 }
 
+TEST(EntityJson, AWrongKindNestedAnyDeepIsQuotedByItsStart) {
+  // Quoted by dumping it whole, a value nested 200,000 deep took the stack down
+  // (fuzz/regressions/run_request/wrong-kind-nested-deep).
+  constexpr std::size_t kDepth = 200000;
+  const Json deep = Json::parse(std::string(kDepth, '[') + std::string(kDepth, ']'));
+  try {
+    entityFromJson(deep, clsEntPOrder::Class(), "Entity");
+    FAIL() << "an array is no entity";
+  } catch (const ProtocolError& e) {
+    EXPECT_EQ(std::string(e.what()),
+              "Entity: expected an object (clsEntPOrder), got " + std::string(57, '[') + "...");
+  }
+}
+
+TEST(EntityJson, AWrongKindIsQuotedAsItsJsonText) {
+  try {
+    entityFromJson(Json::parse(R"js([1,{"a":[true,null,"x"]},2.5])js"), clsEntPOrder::Class(), "Entity");
+    FAIL() << "an array is no entity";
+  } catch (const ProtocolError& e) {
+    EXPECT_EQ(std::string(e.what()),
+              R"js(Entity: expected an object (clsEntPOrder), got [1,{"a":[true,null,"x"]},2.5])js");
+  }
+}
+
 TEST(CollectionJson, ElementsOfAnotherClassCarryTheirClass) {
   const Json input = Json::parse(
       R"js([{"F_ProdNo":2026110001,"F_ItemNo":"FG-1001"},{"$class":"clsEntPMrpi","F_ItemNo":"RM-2001","F_Dosage":2.5}])js");
