@@ -125,7 +125,8 @@ Json ScriptRunner::answer(std::string_view line) {
   Json request;
   try {
     request = Json::parse(line);
-  } catch (const Json::parse_error& e) {
+  } catch (const Json::exception& e) {
+    // Not only syntax errors: a number beyond every double (1e999) is an out-of-range error.
     return errorLine(std::string("malformed JSON: ") + e.what());
   }
   messages_->take();

@@ -45,6 +45,17 @@ TEST(RunRequestTest, AMalformedLineIsAnsweredInWholeUtf8WithoutADatabase) {
   }
 }
 
+TEST(RunRequestTest, ANumberBeyondEveryDoubleIsAnsweredAsMalformed) {
+  // The parser's out-of-range error left answer() and ended the run
+  // (fuzz/regressions/run_request/number-beyond-double).
+  ScriptRunner runner(RunOptions{}, [](std::shared_ptr<MessageSink>) -> std::shared_ptr<Host> {
+    throw std::logic_error("a malformed line needs no host");
+  });
+  const Json answer = runner.answer(R"js({"call":"p.QueryItem","args":{"Entity":{"F_ProdNo":1e999}}})js");
+  EXPECT_NE(errorOf(answer).find("malformed JSON"), std::string::npos) << answer.dump();
+  EXPECT_NE(errorOf(answer).find("number overflow"), std::string::npos) << answer.dump();
+}
+
 TEST_F(RunScriptTest, ScriptAddsReadsUpdatesAndListsProductionOrders) {
   const std::string script = std::string(R"js({"new":"p","class":"clsDataPOrder"}
 )js") + kAddOrder + R"js(
