@@ -3,8 +3,13 @@
 JOBS ?= $(shell nproc)
 BUILD ?= build
 ASAN_BUILD ?= build-asan
+FUZZ_BUILD ?= build-fuzz
+# Seconds of fuzzing per target: a short bounded run in `make test`, a long one in `make fuzz`.
+FUZZ_TEST_SECONDS ?= 20
+FUZZ_SECONDS ?= 600
 
-.PHONY: all setup setup-com setup-bench build build-asan demo test test-native test-asan com test-com bench format clean
+.PHONY: all setup setup-com setup-bench setup-fuzz build build-asan fuzz-build demo test test-native test-asan \
+	test-fuzz fuzz com test-com bench format clean
 
 all: build
 
@@ -21,6 +26,9 @@ setup-com:
 setup-bench: setup
 	scripts/require bench
 
+setup-fuzz: setup
+	scripts/require fuzz
+
 build: setup
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build $(BUILD) -j$(JOBS)
@@ -33,13 +41,25 @@ build-asan: setup
 demo: build
 	$(BUILD)/tovrand demo
 
-test: test-native test-asan test-com
+test: test-native test-asan test-fuzz test-com
 
 test-native: build
 	cd $(BUILD) && ctest --output-on-failure
 
 test-asan: build-asan
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=0 ctest --output-on-failure
+
+# The libFuzzer targets of fuzz/ (clang, ASan, UBSan) in a build of their own.
+fuzz-build: setup-fuzz
+	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTOVRAND_FUZZ=ON -DTOVRAND_TESTS=OFF
+	cmake --build $(FUZZ_BUILD) -j$(JOBS) --target fuzz_targets
+
+# Every kept input replayed, then each target fuzzed for a bounded time.
+test-fuzz: fuzz-build
+	fuzz/run --build $(FUZZ_BUILD) --seconds $(FUZZ_TEST_SECONDS)
+
+fuzz: fuzz-build
+	fuzz/run --build $(FUZZ_BUILD) --seconds $(FUZZ_SECONDS)
 
 # The Windows COM shell: Tovrand.dll and Velmora.dll for i686 and x86_64.
 com: setup-com
@@ -57,4 +77,4 @@ format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) build-bench build-com
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-bench build-com

@@ -18,9 +18,34 @@ namespace {
 // digits the value does not have.
 constexpr double kExactWholeLimit = 9007199254740992.0;
 
+// The start of a value's JSON text, stopped once it is longer than `limit`. Each level of nesting
+// writes a bracket before it goes deeper, so the walk never goes deeper than `limit`, however
+// deeply the value nests (dumping it whole would recurse once per level).
+void writePreview(const Json& j, std::string& out, std::size_t limit) {
+  if (j.is_array() || j.is_object()) {
+    out += j.is_array() ? '[' : '{';
+    bool first = true;
+    for (auto it = j.begin(); it != j.end() && out.size() <= limit; ++it) {
+      if (!first) out += ',';
+      first = false;
+      if (j.is_object()) out += Json(it.key()).dump(-1, ' ', false, Json::error_handler_t::replace) + ':';
+      writePreview(it.value(), out, limit);
+    }
+    out += j.is_array() ? ']' : '}';
+  } else {
+    out += j.dump(-1, ' ', false, Json::error_handler_t::replace);
+  }
+}
+
 std::string shown(const Json& j) {
-  std::string text = j.dump(-1, ' ', false, Json::error_handler_t::replace);
-  if (text.size() > 60) text = text.substr(0, 57) + "...";
+  std::string text;
+  writePreview(j, text, 60);
+  if (text.size() > 60) {
+    // Cut before a character, never inside one: the error line must stay whole UTF-8.
+    std::size_t cut = 57;
+    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
+    text = text.substr(0, cut) + "...";
+  }
   return text;
 }
 

@@ -13,8 +13,10 @@ namespace tovrand::cli {
 
 namespace {
 
+// The text is made whole UTF-8 first: a parse error quotes the bytes the parser stopped at, which
+// may be any bytes of the line, and an answer is written as JSON text.
 Json errorLine(const std::string& text) {
-  return Json{{"error", text}};
+  return Json{{"error", toUtf8(toUtf16(text))}};
 }
 
 Json errorLine(const VbError& e) {
@@ -123,7 +125,8 @@ Json ScriptRunner::answer(std::string_view line) {
   Json request;
   try {
     request = Json::parse(line);
-  } catch (const Json::parse_error& e) {
+  } catch (const Json::exception& e) {
+    // Not only syntax errors: a number beyond every double (1e999) is an out-of-range error.
     return errorLine(std::string("malformed JSON: ") + e.what());
   }
   messages_->take();

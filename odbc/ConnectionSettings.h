@@ -48,6 +48,8 @@ struct ConnectionSettings {
   // The DSN the configuration file holds: the value of its `dsn=` line, else its first line that is
   // neither blank nor a comment (# or ;). Raises when the file cannot be read or holds none.
   static std::string readConfigFile(const std::string& path);
+  // The same reading of a configuration file's text; `path` names the file in error texts.
+  static std::string dsnOfConfigText(std::string_view text, const std::string& path);
   static std::string defaultConfigPath();
 
   // The string handed to SQLDriverConnectW.

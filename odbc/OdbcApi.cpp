@@ -228,8 +228,10 @@ VbDate parseTemporal(std::string_view text) {
   if (timeAt != std::string_view::npos) {
     bool negative = timeAt < text.size() && text[timeAt] == '-';
     std::size_t i = timeAt + (negative ? 1 : 0);
+    // A TIME holds at most 838 hours: more digits than that are no hours a driver gives, and are
+    // left unread rather than let the count overflow.
     int h = 0;
-    while (isDigit(i)) h = h * 10 + (text[i++] - '0');
+    for (int digits = 0; digits < 3 && isDigit(i); ++digits) h = h * 10 + (text[i++] - '0');
     int m = 0, s = 0;
     if (i < text.size() && text[i] == ':') {
       m = digitsAt(text, i + 1, 2);

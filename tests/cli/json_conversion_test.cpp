@@ -3,6 +3,7 @@
 #include "cli/Json.h"
 #include "entities/Collection.h"
 #include "entities/Entities.h"
+#include "frame/Text.h"
 
 namespace tovrand::cli {
 namespace {
@@ -98,6 +99,47 @@ TEST(EntityJson, WrongKindsAndUnknownNamesAreRefused) {
     entityFromJson(Json{{"F_InDate", 45000}}, cls, "Entity");
   } catch (const ProtocolError& e) {
     EXPECT_NE(std::string(e.what()).find("Entity.F_InDate"), std::string::npos) << e.what();
+  }
+}
+
+TEST(EntityJson, AWrongKindIsQuotedShortWithoutCuttingACharacter) {
+  // The quoted value is cut to its first characters; cut inside one, the error line was no longer
+  // UTF-8 (fuzz/regressions/run_request/wrong-kind-cut-in-character).
+  std::string text = "x";
+  for (int i = 0; i < 40; ++i) text += "ä";
+  try {
+    entityFromJson(Json(text), clsEntPOrder::Class(), "Entity");
+    FAIL() << "a text is no entity";
+  } catch (const ProtocolError& e) {
+    const std::string message = e.what();
+    EXPECT_EQ(toUtf8(toUtf16(message)), message);
+    EXPECT_NE(message.find("\"xää"), std::string::npos) << message;
+    EXPECT_EQ(message.substr(message.size() - 3), "...");
+    EXPECT_NO_THROW((void)Json(message).dump());
+  }
+}
+
+TEST(EntityJson, AWrongKindNestedAnyDeepIsQuotedByItsStart) {
+  // Quoted by dumping it whole, a value nested 200,000 deep took the stack down
+  // (fuzz/regressions/run_request/wrong-kind-nested-deep).
+  constexpr std::size_t kDepth = 200000;
+  const Json deep = Json::parse(std::string(kDepth, '[') + std::string(kDepth, ']'));
+  try {
+    entityFromJson(deep, clsEntPOrder::Class(), "Entity");
+    FAIL() << "an array is no entity";
+  } catch (const ProtocolError& e) {
+    EXPECT_EQ(std::string(e.what()),
+              "Entity: expected an object (clsEntPOrder), got " + std::string(57, '[') + "...");
+  }
+}
+
+TEST(EntityJson, AWrongKindIsQuotedAsItsJsonText) {
+  try {
+    entityFromJson(Json::parse(R"js([1,{"a":[true,null,"x"]},2.5])js"), clsEntPOrder::Class(), "Entity");
+    FAIL() << "an array is no entity";
+  } catch (const ProtocolError& e) {
+    EXPECT_EQ(std::string(e.what()),
+              R"js(Entity: expected an object (clsEntPOrder), got [1,{"a":[true,null,"x"]},2.5])js");
   }
 }
 

@@ -32,6 +32,30 @@ std::string errorOf(const Json& answer) {
 const char* const kAddOrder =
     R"js({"call":"p.AddRecord","args":{"Entity":{"F_ProdNo":2008050001,"F_CustNo":"C001","F_SalerID":"王芳","F_ItemNo":"FG-1002","F_OrderMode":"自制","F_OrderNo":2611001,"F_COrderNo":"HM-PO-261101","F_BalQty":1200,"F_OrdQty":1200,"F_DeliverDate":"2026-12-15","F_Status":0}}})js";
 
+TEST(RunRequestTest, AMalformedLineIsAnsweredInWholeUtf8WithoutADatabase) {
+  // The parser's error quotes the bytes it stopped at (fuzz/regressions/run_request/malformed-line-bytes).
+  ScriptRunner runner(RunOptions{}, [](std::shared_ptr<MessageSink>) -> std::shared_ptr<Host> {
+    throw std::logic_error("a malformed line needs no host");
+  });
+  for (const char* line : {"\x8a", "{\"call\":\"\xff\xfe\"}", "\xe4\xb8"}) {
+    const Json answer = runner.answer(line);
+    ASSERT_TRUE(answer.contains("error")) << answer.dump(-1, ' ', false, Json::error_handler_t::replace);
+    EXPECT_NE(errorOf(answer).find("malformed JSON"), std::string::npos) << errorOf(answer);
+    EXPECT_NO_THROW((void)answer.dump());
+  }
+}
+
+TEST(RunRequestTest, ANumberBeyondEveryDoubleIsAnsweredAsMalformed) {
+  // The parser's out-of-range error left answer() and ended the run
+  // (fuzz/regressions/run_request/number-beyond-double).
+  ScriptRunner runner(RunOptions{}, [](std::shared_ptr<MessageSink>) -> std::shared_ptr<Host> {
+    throw std::logic_error("a malformed line needs no host");
+  });
+  const Json answer = runner.answer(R"js({"call":"p.QueryItem","args":{"Entity":{"F_ProdNo":1e999}}})js");
+  EXPECT_NE(errorOf(answer).find("malformed JSON"), std::string::npos) << answer.dump();
+  EXPECT_NE(errorOf(answer).find("number overflow"), std::string::npos) << answer.dump();
+}
+
 TEST_F(RunScriptTest, ScriptAddsReadsUpdatesAndListsProductionOrders) {
   const std::string script = std::string(R"js({"new":"p","class":"clsDataPOrder"}
 )js") + kAddOrder + R"js(

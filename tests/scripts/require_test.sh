@@ -30,6 +30,13 @@ grep -qxF -- 'missing: the program cmake, from the Debian package cmake (`script
   fail "native: cmake not named with its package:
 $out"
 
+out=$(PATH=$bin "$root/scripts/require" fuzz 2>&1)
+rc=$?
+[ $rc -eq 3 ] || fail "fuzz with nothing installed: exit $rc, expected 3"
+grep -qxF -- 'missing: the program clang++, from the Debian package clang (`scripts/setup` installs it)' <<<"$out" ||
+  fail "fuzz: clang++ not named with its package:
+$out"
+
 out=$("$root/scripts/require" native 2>&1)
 rc=$?
 [ $rc -eq 0 ] && [ -z "$out" ] || fail "native on this machine: exit $rc, output '$out'"
