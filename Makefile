@@ -37,7 +37,7 @@ build-asan: setup
 	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DTOVRAND_SANITIZE=ON
 	cmake --build $(ASAN_BUILD) -j$(JOBS)
 
-# Adds, reads, updates and lists production orders through `tovrand run` on a private database.
+# Follows one sales order through the four classes on a private database with the sample data.
 demo: build
 	$(BUILD)/tovrand demo
 
