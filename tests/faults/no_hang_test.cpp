@@ -64,6 +64,14 @@ class NoHang : public ::testing::Test {
     return std::make_shared<NativeHost>(dsn, messages_);
   }
   const std::vector<Message>& shown() const { return messages_->messages(); }
+  // Order 2026110001 of customer C001, and a clsDataPOrder on `dsn` that has read it into `order`.
+  std::unique_ptr<clsDataPOrder> readerOfOneOrder(const std::string& dsn, clsEntPOrder& order) {
+    server_->runSql(database_, "insert into t_porder (F_ProdNo, F_CustNo) values (2026110001, 'C001')");
+    auto porder = std::make_unique<clsDataPOrder>(hostOn(dsn));
+    order.F_ProdNo(2026110001.0);
+    EXPECT_EQ(porder->QueryItem(order), 1);
+    return porder;
+  }
 
   static std::unique_ptr<PrivateServer> server_;
   std::string database_;
@@ -73,11 +81,9 @@ class NoHang : public ::testing::Test {
 std::unique_ptr<PrivateServer> NoHang::server_;
 
 TEST_F(NoHang, ACallToAServerThatStopsAnsweringEndsWithinTheTimeoutAndTheObjectRecovers) {
-  server_->runSql(database_, "insert into t_porder (F_ProdNo, F_CustNo) values (2026110001, 'C001')");
-  clsDataPOrder porder(hostOn(server_->socketDsn(database_) + "&timeout=2"));
   clsEntPOrder order;
-  order.F_ProdNo(2026110001.0);
-  ASSERT_EQ(porder.QueryItem(order), 1);
+  auto reader = readerOfOneOrder(server_->socketDsn(database_) + "&timeout=2", order);
+  clsDataPOrder& porder = *reader;
 
   server_->freeze();
   std::int16_t result = -1;
@@ -169,12 +175,10 @@ TEST_F(NoHang, ALineReleaseThatMeetsAFrozenServerWaitsForItOnlyOnce) {
 // The port stops carrying anything after the object was created: the call ends within the read
 // timeout, a reconnect within the connect timeout, and the object works again once the port does.
 TEST_F(NoHang, ABlackholedPortEndsTheCallWithinTheTimeoutAndTheObjectRecovers) {
-  server_->runSql(database_, "insert into t_porder (F_ProdNo, F_CustNo) values (2026110001, 'C001')");
   BlackholeProxy port(server_->port());
-  clsDataPOrder porder(hostOn(server_->tcpDsn(database_, port.port()) + "?timeout=2"));
   clsEntPOrder order;
-  order.F_ProdNo(2026110001.0);
-  ASSERT_EQ(porder.QueryItem(order), 1);
+  auto reader = readerOfOneOrder(server_->tcpDsn(database_, port.port()) + "?timeout=2", order);
+  clsDataPOrder& porder = *reader;
 
   port.blackhole();
   std::int16_t result = -1;
@@ -265,11 +269,9 @@ TEST_F(NoHang, AStatementThatCannotBeSentEndsWithinTheWriteTimeout) {
 // Half a minute and more: make reliability runs it (TOVRAND_LONG_RUNS=1).
 TEST_F(NoHang, WithoutTimeoutOptionsAFrozenServerEndsTheCallAfterTheDefaultTimeout) {
   if (!std::getenv("TOVRAND_LONG_RUNS")) GTEST_SKIP() << "a long run: TOVRAND_LONG_RUNS=1";
-  server_->runSql(database_, "insert into t_porder (F_ProdNo, F_CustNo) values (2026110001, 'C001')");
-  clsDataPOrder porder(hostOn(server_->socketDsn(database_)));
   clsEntPOrder order;
-  order.F_ProdNo(2026110001.0);
-  ASSERT_EQ(porder.QueryItem(order), 1);
+  auto reader = readerOfOneOrder(server_->socketDsn(database_), order);
+  clsDataPOrder& porder = *reader;
 
   server_->freeze();
   std::int16_t result = -1;
