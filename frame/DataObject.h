@@ -32,6 +32,23 @@ class DataObject {
   // Destruction: m_DbConnection.CloseConnection, through the same create-on-first-use access.
   ~DataObject();
 
+  // Held for the whole run of a member whose routines handle their own errors and let it go on: a
+  // session lost in one routine then fails the rest of the member's statements too, instead of the
+  // member writing the rest of its work on a new session over what the lost one left half done. The
+  // member still ends in its handler; the next call opens a new session.
+  class CallScope {
+   public:
+    explicit CallScope(ConnectionPtr connection) : connection_(std::move(connection)) {
+      connection_->beginCall();
+    }
+    ~CallScope() { connection_->endCall(); }
+    CallScope(const CallScope&) = delete;
+    CallScope& operator=(const CallScope&) = delete;
+
+   private:
+    ConnectionPtr connection_;
+  };
+
   // m_DbConnection, created on first use.
   DbConnection& dbConnection();
   // m_DbConnection.Connection: what every method passes as the active connection.

@@ -37,6 +37,12 @@ class Connection {
   // (clsDataPOrderChk.AddRecord then holds the server's named lock while it allocates). A setting
   // of the connection, off unless the connection's settings turn it on.
   virtual bool serializesAllocation() const { return false; }
+  // A member whose routines handle their own errors and let it go on holds its call on the
+  // connection (DataObject::CallScope): a session lost during the call fails every later statement
+  // of it as well, so that what the member does after a routine met the loss never reaches the
+  // database; the next call opens a new session.
+  virtual void beginCall() {}
+  virtual void endCall() {}
 };
 
 class Recordset;

@@ -76,9 +76,12 @@ bool applyOption(ConnectionSettings& s, std::string_view key, const std::string&
   } else if (k == "driver") {
     s.driver = value;
   } else if (k == "timeout") {
-    s.timeoutSeconds = s.connectTimeoutSeconds = seconds(k, value, where);
+    s.timeoutSeconds = seconds(k, value, where);
+    // connect_timeout, wherever it stands among the options, keeps connecting to its own value.
+    if (!s.connectTimeoutGiven) s.connectTimeoutSeconds = s.timeoutSeconds;
   } else if (k == "connect_timeout") {
     s.connectTimeoutSeconds = seconds(k, value, where);
+    s.connectTimeoutGiven = true;
   } else {
     return false;
   }

@@ -34,6 +34,7 @@ struct ConnectionSettings {
   std::string serverDate;                       // "YYYY-MM-DD" or ""
   int timeoutSeconds = kDefaultTimeoutSeconds;  // reads and writes
   int connectTimeoutSeconds = kDefaultConnectTimeoutSeconds;
+  bool connectTimeoutGiven = false;  // connect_timeout= was given: timeout= leaves connecting alone
   static constexpr int kDefaultTimeoutSeconds = 30;
   static constexpr int kDefaultConnectTimeoutSeconds = 10;
   std::string shortDate;  // regional settings patterns, "" keeps the default

@@ -60,12 +60,17 @@ struct OdbcConnection::Impl {
   std::shared_ptr<Handle> env;  // declared before the connections: freed after them
   Handle dbc;
   bool connected = false;
-  // The session was lost; the next statement opens a new one.
+  // The session was lost; the next statement opens a new one, unless the loss was met during a held
+  // call, which then fails every later statement with `lostCause` until it ends.
   bool lost = false;
+  bool held = false;
+  int calls = 0;  // held calls running
+  VbError lostCause{vberr::kProviderError, ""};
   // Connections given up after their session was lost. Recordsets may still hold statements
   // allocated on them, so they are disconnected and freed only when this object goes.
   std::vector<Handle> retired;
-  odbc::Mutex mutex;  // around reconnecting
+  odbc::Mutex mutex;       // around reconnecting
+  odbc::Mutex stateMutex;  // around lost, held, calls and lostCause
   odbc::Mutex keysMutex;
   std::map<std::string, std::vector<std::string>> primaryKeys;
 
@@ -114,13 +119,35 @@ struct OdbcConnection::Impl {
   // next statement: nothing is re-sent, so a statement that may have run never runs twice.
   SQLHDBC live() {
     odbc::Guard lock(mutex);
-    if (lost) {
+    bool reconnect = false;
+    {
+      odbc::Guard state(stateMutex);
+      // The rest of a held call must not reach a database its earlier statements may have left half
+      // written: it fails as the statement that lost the session did.
+      if (lost && held) throw odbc::ConnectionLost(lostCause);
+      reconnect = lost;
+    }
+    if (reconnect) {
       if (connected) retired.push_back(std::move(dbc));
       connected = false;
-      open();
+      try {
+        open();
+      } catch (const VbError& e) {
+        // A server still out of reach: a held call does not wait for it once more per statement.
+        noteLost(e);
+        throw;
+      }
+      odbc::Guard state(stateMutex);
       lost = false;
     }
     return dbc.get();
+  }
+
+  void noteLost(const VbError& cause) {
+    odbc::Guard state(stateMutex);
+    if (!held) lostCause = cause;
+    lost = true;
+    held = calls > 0;
   }
 
   // Runs `f`, noting a lost session on the way out.
@@ -128,8 +155,8 @@ struct OdbcConnection::Impl {
   auto guarded(F&& f) -> decltype(f()) {
     try {
       return f();
-    } catch (const odbc::ConnectionLost&) {
-      lost = true;
+    } catch (const odbc::ConnectionLost& e) {
+      noteLost(e);
       throw;
     }
   }
@@ -225,10 +252,19 @@ std::optional<Value> OdbcConnection::scalar(std::string_view sql, bool asText) {
 void* OdbcConnection::nativeHandle() {
   return impl_->live();
 }
-void OdbcConnection::markLost() {
-  impl_->lost = true;
+void OdbcConnection::markLost(const VbError& cause) {
+  impl_->noteLost(cause);
+}
+void OdbcConnection::beginCall() {
+  odbc::Guard state(impl_->stateMutex);
+  if (impl_->calls++ == 0) impl_->held = false;
+}
+void OdbcConnection::endCall() {
+  odbc::Guard state(impl_->stateMutex);
+  if (impl_->calls > 0 && --impl_->calls == 0) impl_->held = false;
 }
 bool OdbcConnection::isLost() const {
+  odbc::Guard state(impl_->stateMutex);
   return impl_->lost;
 }
 const std::string& OdbcConnection::secret() const {

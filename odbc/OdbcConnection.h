@@ -8,6 +8,7 @@
 
 #include "frame/Recordset.h"
 #include "frame/Value.h"
+#include "frame/VbError.h"
 #include "odbc/ConnectionSettings.h"
 
 namespace tovrand {
@@ -17,8 +18,11 @@ namespace tovrand {
 // session's timestamp to noon of that date so that curdate() answers it.
 //
 // A lost session (killed, timed out, the server restarted) fails the statement that met it with the
-// driver's error, which the method's handler reports; the connection then reconnects before the next
-// statement anyone sends on it. Nothing is ever re-sent: a statement that failed may have run.
+// driver's error, which the method's handler reports. Within a call held on the connection
+// (beginCall/endCall: a member that goes on after one of its routines has handled an error) every
+// later statement of that call fails with the same error, without reaching the server; the next
+// statement after the call, or the next statement at all outside such a call, opens a new session
+// first. Nothing is ever re-sent: a statement that failed may have run.
 //
 // acquire() shares one connection per connection string per process: every holder of the same
 // settings gets the same object, and the physical connection ends when the last reference goes (the
@@ -52,9 +56,12 @@ class OdbcConnection final : public Connection {
   // (cached per table). After a lost session (markLost) the next nativeHandle() connects anew and sets
   // the session up again; it raises when the server cannot be reached.
   void* nativeHandle();
-  // The session is gone (the engine saw a lost-connection error): the next statement reconnects.
-  void markLost();
+  // The session is gone (the engine saw `cause`, a lost-connection error): the next statement
+  // reconnects, or, during a held call, fails with `cause` until the call ends.
+  void markLost(const VbError& cause);
   bool isLost() const;
+  void beginCall() override;
+  void endCall() override;
   std::vector<std::string> primaryKey(const std::string& catalog, const std::string& table);
   // The text no message may show (the password).
   const std::string& secret() const;

@@ -211,8 +211,8 @@ struct OdbcRecordset::Impl {
   auto guarded(F&& f) -> decltype(f()) {
     try {
       return f();
-    } catch (const odbc::ConnectionLost&) {
-      connection->markLost();
+    } catch (const odbc::ConnectionLost& e) {
+      connection->markLost(e);
       throw;
     }
   }
@@ -237,8 +237,9 @@ struct OdbcRecordset::Impl {
 
   // Prepares, binds and runs one of the engine's own statements.
   void runEngineStatement(const std::string& sql, std::vector<Parameter>& parameters) {
-    traceStatement(sql, StatementOrigin::Engine);
     Handle s = newStatement();
+    // Reported once it is certain to go out: a held call that lost its session sends nothing.
+    traceStatement(sql, StatementOrigin::Engine);
     WideText text(sql);
     guarded([&] {
       check(SQLPrepareW(s.get(), text.get(), text.length()), SQL_HANDLE_STMT, s.get(),

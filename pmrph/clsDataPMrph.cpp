@@ -285,6 +285,8 @@ std::int16_t clsDataPMrph::QueryProdNoRecord(clsEntPMrph& Entity) {
 std::int16_t clsDataPMrph::AddRecord1(clsEntPMrph& Entity, Collection& objCollD) {
   std::int16_t result = 0;
   try {
+    // AccountNewData and AddReduceRecord report their own errors and the planning goes on.
+    const CallScope call(connection());
     const std::string prodNo = CStr(Entity.F_ProdNo());
     // The figures of the computation: purchases, free stock above safety stock, stock to take,
     // requirement, remaining requirement, quantity to buy, stock on hand, safety stock. One set

@@ -386,6 +386,8 @@ std::int16_t clsDataPMrpi::QueryItemNoRecord(Collection& objColl, const std::str
 std::int16_t clsDataPMrpi::DeleteAllPMrpiRecord(double ProdNo) {
   std::int16_t result = 0;
   try {
+    // DeleteReduceRecord reports its own errors and the release goes on with the next line.
+    const CallScope call(connection());
     std::shared_ptr<Recordset> lines = newRecordset();
     lines->Open("Select * From T_PMrpi Where F_ProdNo='" + CStr(ProdNo) + "'", connection(), adOpenKeyset,
                 adLockPessimistic, adCmdUnspecified);

@@ -279,6 +279,9 @@ std::int16_t clsDataPOrderChk::AddRecord(Collection& objColl, const std::string&
     if (objColl.Count() < 1) return result;
     renewRecordset();
     ConnectionPtr cn = connection();
+    // Held around the lock, whose release on the way out must not reach a new session: a lost one
+    // has taken the lock with it.
+    const CallScope call(cn);
     std::optional<AllocationLock> lock;
     if (cn->serializesAllocation()) lock.emplace(newRecordset(), cn);
 

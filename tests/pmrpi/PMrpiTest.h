@@ -12,17 +12,8 @@
 #include "frame/VbError.h"
 #include "pmrpi/clsDataPMrpi.h"
 #include "tests/support/ExpectVbError.h"
+#include "tests/support/Printers.h"
 #include "tests/support/TestDatabase.h"
-
-namespace tovrand {
-// Messages and traced statements printed readably when an expectation fails.
-inline void PrintTo(const Message& m, std::ostream* os) {
-  *os << "{\"" << m.text << "\", " << m.style << ", \"" << m.title << "\"}";
-}
-inline void PrintTo(const TracedStatement& s, std::ostream* os) {
-  *os << (s.origin == StatementOrigin::Engine ? "engine: " : "method: ") << s.sql;
-}
-}  // namespace tovrand
 
 namespace tovrand::test {
 

@@ -10,19 +10,8 @@
 #include "frame/VbError.h"
 #include "odbc/NativeHost.h"
 #include "porderchk/clsDataPOrderChk.h"
+#include "tests/support/Printers.h"
 #include "tests/support/TestDatabase.h"
-
-namespace tovrand {
-
-// Readable failures for the records the tests compare.
-inline void PrintTo(const Message& m, std::ostream* os) {
-  *os << "{\"" << m.text << "\", " << m.style << ", \"" << m.title << "\"}";
-}
-inline void PrintTo(const TracedStatement& s, std::ostream* os) {
-  *os << (s.origin == StatementOrigin::Engine ? "engine: " : "method: ") << s.sql;
-}
-
-}  // namespace tovrand
 
 namespace tovrand::test {
 
