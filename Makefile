@@ -61,9 +61,9 @@ test-fuzz: fuzz-build
 fuzz: fuzz-build
 	fuzz/run --build $(FUZZ_BUILD) --seconds $(FUZZ_SECONDS)
 
-# The long runs that make test keeps short: fuzzing every target for FUZZ_SECONDS, the soak's 100,000 calls on objects of the four classes
-# (memory, ODBC handles and server sessions must stay flat), and a frozen server waited out with the
-# default timeouts.
+# The long runs that make test keeps short: every fuzz target for FUZZ_SECONDS, the soak's 100,000
+# calls on objects of the four classes (memory, ODBC handles and server sessions must stay flat), and a
+# frozen server waited out with the default timeouts.
 reliability: build fuzz
 	cd $(BUILD) && TOVRAND_SOAK_CALLS=100000 TOVRAND_LONG_RUNS=1 tests/test_faults --gtest_filter='Soak.*:NoHang.*'
 
