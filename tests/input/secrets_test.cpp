@@ -41,7 +41,7 @@ class Secrets : public DatabaseTest {
     std::filesystem::remove(tracePath_);
     DatabaseTest::TearDown();
   }
-  const std::string& password() const { return componentAccount().password; }
+  std::string password() const { return componentAccount().password; }
   std::string wrongDsn() const {
     std::string right = dsn();
     return right.replace(right.find(":" + password() + "@"), password().size() + 1,

@@ -108,16 +108,16 @@ void stopSandbox(const std::string& dir) {
   }
 }
 
-const ComponentAccount& componentAccount() {
+ComponentAccount componentAccount() {
   // One account per test program, so that programs sharing a server (TOVRAND_TEST_DSN) keep apart.
-  static const ComponentAccount account{"tovrand_app" + std::to_string(::getpid()), "component-only-7Qx"};
-  return account;
+  // Made on each call: the server's teardown at exit needs it after other statics have gone.
+  return {"tovrand_app" + std::to_string(::getpid()), "component-only-7Qx"};
 }
 
 std::string componentGrantsSql() {
   std::string grants = readFile(std::string(TOVRAND_SOURCE_DIR) + "/schema/grants.sql");
   if (grants.empty()) throw std::runtime_error("schema/grants.sql cannot be read");
-  const ComponentAccount& account = componentAccount();
+  const ComponentAccount account = componentAccount();
   return "SET @tovrand_user = '" + account.user + "', @tovrand_password = '" + account.password + "';\n" +
          grants;
 }
@@ -282,7 +282,7 @@ bool DatabaseTest::componentRunsRestricted() const {
 }
 
 std::string DatabaseTest::dsn(const std::string& options) const {
-  const ComponentAccount& account = componentAccount();
+  const ComponentAccount account = componentAccount();
   std::string out = componentRunsRestricted()
                         ? TestServer::instance().dsnFor(database_, account.user, account.password)
                         : TestServer::instance().dsnFor(database_);

@@ -68,7 +68,7 @@ struct ComponentAccount {
   std::string user;
   std::string password;
 };
-const ComponentAccount& componentAccount();
+ComponentAccount componentAccount();
 // SQL text that gives the component account exactly its grants on the database it runs in.
 std::string componentGrantsSql();
 
