@@ -132,7 +132,7 @@ int commandMain(int argc, char** argv) {
 
   CLI::App* sandbox = app.add_subcommand("sandbox",
                                          "A private MariaDB server: sandbox start [--dir DIR] [--watch PID] "
-                                         "[--database NAME] | stop DIR | status DIR");
+                                         "[--database NAME] [--tls] | stop DIR | status DIR");
   sandbox->prefix_command();
 
   try {

@@ -55,7 +55,22 @@ int seconds(const std::string& key, const std::string& value, std::string_view w
 bool applyOption(ConnectionSettings& s, std::string_view key, const std::string& value,
                  std::string_view where) {
   std::string k = toLowerAscii(trim(key));
-  if (k == "server_date") {
+  if (k == "ssl") {
+    std::string mode = toLowerAscii(value);
+    if (mode != "required" && mode != "off") {
+      fail("the option ssl of " + std::string(where) + " must be required or off, not '" + value + "'");
+    }
+    // A certificate authority to check the server against asks for TLS whatever ssl says.
+    s.sslRequired = mode == "required" || !s.sslCa.empty();
+  } else if (k == "ssl_ca") {
+    // Checked here so that a mistyped path is named as such, not as a failed handshake.
+    if (value.empty() || !std::ifstream(value)) {
+      fail("the option ssl_ca of " + std::string(where) + " must name a readable certificate file, not '" +
+           value + "'");
+    }
+    s.sslCa = value;
+    s.sslRequired = true;
+  } else if (k == "server_date") {
     if (!isDate(value)) {
       fail("the option server_date of " + std::string(where) + " must be a date written YYYY-MM-DD, not '" +
            value + "'");
@@ -112,6 +127,17 @@ std::string odbcValue(const std::string& v) {
                                        std::isspace(static_cast<unsigned char>(v.back())));
   if (!blankEnd && v.find_first_of(";{}= ") == std::string::npos) return v;
   return braced(v);
+}
+
+// MariaDB Connector/ODBC's TLS attributes: FORCETLS asks for TLS (the driver still goes on in plain
+// text with a server that offers none, so the connection checks the session's cipher itself); SSLVERIFY
+// checks the certificate (its authority and that it names the host) against SSLCA, and refuses a
+// server without TLS.
+std::string tlsAttributes(const ConnectionSettings& s) {
+  std::string out;
+  if (s.sslRequired) out += "FORCETLS=1;";
+  if (!s.sslCa.empty()) out += "SSLCA=" + odbcValue(s.sslCa) + ";SSLVERIFY=1;";
+  return out;
 }
 
 std::string defaultDriver() {
@@ -200,7 +226,7 @@ ConnectionSettings ConnectionSettings::parse(std::string_view dsnText, std::stri
     for (auto& [key, value] : splitOdbc(std::string_view(dsn).substr(kOdbc.size()), where)) {
       std::string k = toLowerAscii(key);
       if (k == "server_date" || k == "short_date" || k == "long_time" || k == "timeout" ||
-          k == "connect_timeout" || k == "serialize_allocation") {
+          k == "connect_timeout" || k == "serialize_allocation" || k == "ssl" || k == "ssl_ca") {
         applyOption(s, k, value, where);
         continue;
       }
@@ -280,7 +306,7 @@ ConnectionSettings ConnectionSettings::parse(std::string_view dsnText, std::stri
     if (!applyOption(s, key, urlDecode(pair.substr(eq + 1)), origin)) {
       fail(std::string(origin) + " has an unknown option '" + key +
            "' (known: server_date, short_date, long_time, serialize_allocation, socket, driver, timeout, "
-           "connect_timeout)");
+           "connect_timeout, ssl, ssl_ca)");
     }
   }
   return s;
@@ -335,7 +361,8 @@ ConnectionSettings ConnectionSettings::resolve(const std::optional<std::string>&
 }
 
 std::string ConnectionSettings::odbcConnectionString() const {
-  if (!rawOdbc.empty()) return rawTimeouts ? rawOdbc : rawOdbc + timeoutAttributes(*this);
+  if (!rawOdbc.empty())
+    return (rawTimeouts ? rawOdbc : rawOdbc + timeoutAttributes(*this)) + tlsAttributes(*this);
   std::string d = driver.empty() ? defaultDriver() : driver;
   std::string out =
       "DRIVER=" +
@@ -351,7 +378,7 @@ std::string ConnectionSettings::odbcConnectionString() const {
   out += "UID=" + odbcValue(user) + ";";
   out += "PWD=" + odbcValue(password) + ";";
   // A down or frozen server must fail within the timeout, never hang.
-  out += "CHARSET=utf8mb4;" + timeoutAttributes(*this);
+  out += "CHARSET=utf8mb4;" + timeoutAttributes(*this) + tlsAttributes(*this);
   return out;
 }
 
@@ -372,7 +399,11 @@ std::string ConnectionSettings::redacted() const {
   std::string out = "mysql://" + user + (password.empty() ? "" : ":***") + "@" + host;
   if (port != 0) out += ":" + std::to_string(port);
   out += "/" + database;
-  if (!socket.empty()) out += "?socket=" + socket;
+  // What was asked of the transport belongs in a message about a connection that failed.
+  std::string options;
+  if (!socket.empty()) options += "&socket=" + socket;
+  if (sslRequired) options += sslCa.empty() ? "&ssl=required" : "&ssl_ca=" + sslCa;
+  if (!options.empty()) out += "?" + options.substr(1);
   return out;
 }
 

@@ -17,9 +17,12 @@ namespace tovrand {
 // reads and writes, 10 for connecting), connect_timeout= (seconds, connecting only) and
 // serialize_allocation=1 (clsDataPOrderChk.AddRecord holds a named server lock from reading the
 // month's numbers to its last new review, so that clients allocating at the same moment queue
-// instead of colliding; 0, the default, sends only the component's own statements) after a '?' of a
-// mysql URL, or as keys of a raw ODBC string (they are taken out before it reaches the driver).
-// Every error is a VbError 0x80004005 whose text says what is wrong; no text ever holds the password.
+// instead of colliding; 0, the default, sends only the component's own statements), ssl=required (the
+// session is encrypted with TLS or not opened at all; ssl=off, the default, leaves it to the driver)
+// and ssl_ca=FILE (the server's certificate must be issued by the authority in FILE and name the host
+// connected to; implies ssl=required, whatever ssl says) after a '?' of a mysql URL, or as keys of a raw ODBC
+// string (they are taken out before it reaches the driver). Every error is a VbError 0x80004005 whose text
+// says what is wrong; no text ever holds the password.
 struct ConnectionSettings {
   std::string user;
   std::string password;
@@ -40,6 +43,8 @@ struct ConnectionSettings {
   std::string shortDate;  // regional settings patterns, "" keeps the default
   std::string longTime;
   bool serializeAllocation = false;  // serialize_allocation=1
+  bool sslRequired = false;          // ssl=required, or ssl_ca given
+  std::string sslCa;                 // ssl_ca=: the certificate authority the server is checked against
 
   // Parses one setting; `origin` names where it came from in error texts ("TOVRAND_DSN", a file).
   static ConnectionSettings parse(std::string_view dsn, std::string_view origin = "the connection setting");

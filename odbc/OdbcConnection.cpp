@@ -110,6 +110,16 @@ struct OdbcConnection::Impl {
           "names are written in mixed case, as on a Windows server): start the server with "
           "--lower-case-table-names=1");
     }
+    // The driver asked for TLS goes on in plain text when the server offers none: such a session is
+    // refused before anything is sent on it.
+    if (settings.sslRequired) {
+      std::optional<Value> cipher = firstValue("SHOW SESSION STATUS LIKE 'Ssl_cipher'", true, 2);
+      if (!cipher || cipher->isNull() || CStr(*cipher).empty()) {
+        throw VbError(vberr::kProviderError, "cannot connect to the database " + settings.redacted() +
+                                                 ": the server offers no TLS, and the setting asks for an "
+                                                 "encrypted session");
+      }
+    }
     if (!settings.serverDate.empty()) {
       run("SET timestamp = UNIX_TIMESTAMP('" + settings.serverDate + " 12:00:00')");
     }
@@ -177,7 +187,8 @@ struct OdbcConnection::Impl {
     });
   }
 
-  std::optional<Value> firstValue(std::string_view sql, bool asText = false) {
+  // Column `column` (from 1) of the first row of a query.
+  std::optional<Value> firstValue(std::string_view sql, bool asText = false, std::size_t column = 1) {
     return guarded([&]() -> std::optional<Value> {
       SQLHDBC d = dbc.get();
       SQLHANDLE h = SQL_NULL_HANDLE;
@@ -186,12 +197,13 @@ struct OdbcConnection::Impl {
       WideText text(sql);
       check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a query", secret);
       std::vector<odbc::ColumnInfo> columns = odbc::describeColumns(h, secret, odbc::BaseNames::Skip);
-      if (columns.empty()) return std::nullopt;
-      if (asText) columns[0].kind = odbc::ColumnKind::Text;
+      if (columns.size() < column) return std::nullopt;
+      odbc::ColumnInfo& wanted = columns[column - 1];
+      if (asText) wanted.kind = odbc::ColumnKind::Text;
       SQLRETURN rc = SQLFetch(h);
       if (rc == SQL_NO_DATA) return std::nullopt;
       check(rc, SQL_HANDLE_STMT, h, "fetching a row", secret);
-      return odbc::readColumn(h, 1, columns[0], secret);
+      return odbc::readColumn(h, static_cast<SQLUSMALLINT>(column), wanted, secret);
     });
   }
 };

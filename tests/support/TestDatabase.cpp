@@ -75,6 +75,53 @@ TestServer& TestServer::instance() {
   return server;
 }
 
+namespace {
+
+std::string sandboxScript() {
+  return shellQuote(std::string(TOVRAND_SOURCE_DIR) + "/scripts/sandbox");
+}
+
+bool restrictedByEnvironment() {
+  const char* v = std::getenv("TOVRAND_TEST_ACCOUNT");
+  return v != nullptr && std::string(v) == "component";
+}
+
+}  // namespace
+
+Sandbox startSandbox(const std::string& options) {
+  std::string output = runCommand(sandboxScript() + " start --watch " + std::to_string(::getpid()) +
+                                  (options.empty() ? "" : " " + options) + " 2>&1");
+  Sandbox sandbox;
+  sandbox.dsn = lineValue(output, "DSN");
+  sandbox.dir = lineValue(output, "DIR");
+  sandbox.port = std::atoi(lineValue(output, "PORT").c_str());
+  sandbox.ca = lineValue(output, "CA");
+  if (sandbox.dsn.empty() || sandbox.dir.empty())
+    throw std::runtime_error("the sandbox printed no DSN: " + output);
+  return sandbox;
+}
+
+void stopSandbox(const std::string& dir) {
+  std::string command = sandboxScript() + " stop " + shellQuote(dir) + " >/dev/null 2>&1";
+  if (std::system(command.c_str()) != 0) {
+    // The watcher started with the sandbox stops it when this program has gone.
+  }
+}
+
+ComponentAccount componentAccount() {
+  // One account per test program, so that programs sharing a server (TOVRAND_TEST_DSN) keep apart.
+  // Made on each call: the server's teardown at exit needs it after other statics have gone.
+  return {"tovrand_app" + std::to_string(::getpid()), "component-only-7Qx"};
+}
+
+std::string componentGrantsSql() {
+  std::string grants = readFile(std::string(TOVRAND_SOURCE_DIR) + "/schema/grants.sql");
+  if (grants.empty()) throw std::runtime_error("schema/grants.sql cannot be read");
+  const ComponentAccount account = componentAccount();
+  return "SET @tovrand_user = '" + account.user + "', @tovrand_password = '" + account.password + "';\n" +
+         grants;
+}
+
 TestServer::TestServer() {
   const char* given = std::getenv("TOVRAND_TEST_DSN");
   if (given != nullptr && *given != '\0') {
@@ -82,31 +129,32 @@ TestServer::TestServer() {
   } else {
     auto start = std::chrono::steady_clock::now();
     // The sandbox's own settings (one tablespace, no flushing) make a per-test database cheap.
-    std::string command = shellQuote(std::string(TOVRAND_SOURCE_DIR) + "/scripts/sandbox") +
-                          " start --watch " + std::to_string(::getpid()) + " 2>&1";
-    std::string output = runCommand(command);
-    sandboxDir_ = lineValue(output, "DIR");
-    std::string dsn = lineValue(output, "DSN");
-    if (dsn.empty()) throw std::runtime_error("the sandbox printed no DSN: " + output);
-    settings_ = ConnectionSettings::parse(dsn, "the sandbox DSN");
+    Sandbox sandbox = startSandbox();
+    sandboxDir_ = sandbox.dir;
+    settings_ = ConnectionSettings::parse(sandbox.dsn, "the sandbox DSN");
     gStartSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   }
   admin_ = OdbcConnection::openPrivate(settings_);
 }
 
 TestServer::~TestServer() {
-  admin_.reset();
-  if (!sandboxDir_.empty()) {
-    std::string command = shellQuote(std::string(TOVRAND_SOURCE_DIR) + "/scripts/sandbox") + " stop " +
-                          shellQuote(sandboxDir_) + " >/dev/null 2>&1";
-    if (std::system(command.c_str()) != 0) {
-      // The watcher started with the sandbox stops it when this program has gone.
-    }
+  try {
+    // The component account of this program, if a test created it.
+    admin_->execute("DROP USER IF EXISTS '" + componentAccount().user + "'@'%'");
+  } catch (...) {
+    // The server is going anyway.
   }
+  admin_.reset();
+  if (!sandboxDir_.empty()) stopSandbox(sandboxDir_);
 }
 
 std::string TestServer::dsnFor(const std::string& database) const {
-  std::string out = "mysql://" + settings_.user + ":" + settings_.password + "@" + settings_.host;
+  return dsnFor(database, settings_.user, settings_.password);
+}
+
+std::string TestServer::dsnFor(const std::string& database, const std::string& user,
+                               const std::string& password) const {
+  std::string out = "mysql://" + user + ":" + password + "@" + settings_.host;
   if (settings_.port != 0) out += ":" + std::to_string(settings_.port);
   out += "/" + database;
   if (!settings_.socket.empty()) out += "?socket=" + settings_.socket;
@@ -212,6 +260,8 @@ void DatabaseTest::SetUp() {
   server.admin("CREATE DATABASE `" + database_ + "` CHARACTER SET utf8mb4");
   lap("create");
   std::string schema = readFile(std::string(TOVRAND_SOURCE_DIR) + "/schema/tovrand.sql");
+  // The grants name the tables, so they follow the schema in the same load.
+  if (componentRunsRestricted()) schema += "\n" + componentGrantsSql();
   if (!schema.empty()) server.runSql(database_, schema);
   lap("schema");
   fixture_ = OdbcConnection::openPrivate(server.fixtureSettings(database_));
@@ -227,8 +277,15 @@ void DatabaseTest::TearDown() {
   if (!database_.empty()) TestServer::instance().admin("DROP DATABASE IF EXISTS `" + database_ + "`");
 }
 
+bool DatabaseTest::componentRunsRestricted() const {
+  return restrictedByEnvironment();
+}
+
 std::string DatabaseTest::dsn(const std::string& options) const {
-  std::string out = TestServer::instance().dsnFor(database_);
+  const ComponentAccount account = componentAccount();
+  std::string out = componentRunsRestricted()
+                        ? TestServer::instance().dsnFor(database_, account.user, account.password)
+                        : TestServer::instance().dsnFor(database_);
   std::string all = options;
   if (all.find("server_date=") == std::string::npos) {
     all = "server_date=" + std::string(kDefaultServerDate) + (all.empty() ? "" : "&" + all);

@@ -19,8 +19,10 @@ namespace tovrand::test {
 class TestServer {
  public:
   static TestServer& instance();
-  // DSN (mysql://...) of a database on the server, without query options.
+  // DSN (mysql://...) of a database on the server, without query options: as the server's
+  // administrator, or as the given account.
   std::string dsnFor(const std::string& database) const;
+  std::string dsnFor(const std::string& database, const std::string& user, const std::string& password) const;
   // Runs SQL text (several statements allowed) through the mariadb client on `database`.
   void runSql(const std::string& database, const std::string& sql) const;
   std::string socketPath() const;
@@ -49,6 +51,27 @@ class TestServer {
 // Seconds the last TestServer start took (0 when TOVRAND_TEST_DSN was used), for reports.
 double sandboxStartSeconds();
 
+// A private MariaDB started by scripts/sandbox, watched so that it stops when this program ends.
+struct Sandbox {
+  std::string dsn;  // over its socket, as the administrator tovrand
+  std::string dir;
+  int port = 0;    // its TCP port on 127.0.0.1
+  std::string ca;  // with --tls: the certificate the server presents (its own authority)
+};
+// `options`: more options of `scripts/sandbox start` ("--tls").
+Sandbox startSandbox(const std::string& options = "");
+void stopSandbox(const std::string& dir);
+
+// The account schema/grants.sql creates, as the tests load it: the component connects as it when a
+// test asks for it, with exactly the privileges a site gives the component.
+struct ComponentAccount {
+  std::string user;
+  std::string password;
+};
+ComponentAccount componentAccount();
+// SQL text that gives the component account exactly its grants on the database it runs in.
+std::string componentGrantsSql();
+
 // SQL text cut into its statements at the semicolons outside quotes and comments.
 std::vector<std::string> splitStatements(const std::string& sql);
 
@@ -59,7 +82,13 @@ class DatabaseTest : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  // The DSN of this test's database, with `options` appended as query options ("server_date=...").
+  // Whether the component connects as the account of schema/grants.sql (componentAccount()) rather
+  // than as the server's administrator; exec() and scalar() stay the administrator's either way.
+  // Default: the environment variable TOVRAND_TEST_ACCOUNT=component, which runs a whole suite so.
+  virtual bool componentRunsRestricted() const;
+
+  // The DSN of this test's database, with `options` appended as query options ("server_date=..."),
+  // for the account the component runs as.
   std::string dsn(const std::string& options = "") const;
   // The native host on this test's database; `serverDate` "" keeps the default.
   std::shared_ptr<Host> host(const std::string& serverDate = "");
