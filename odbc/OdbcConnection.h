@@ -12,6 +12,10 @@
 
 namespace tovrand {
 
+namespace odbc {
+class SessionCache;
+}
+
 // One physical ODBC connection (wide functions only, autocommit, utf8mb4). On connect it refuses a
 // server that runs with lower_case_table_names=0 and, when the settings carry server_date, pins the
 // session's timestamp to noon of that date so that curdate() answers it.
@@ -56,6 +60,12 @@ class OdbcConnection final : public Connection {
   void markLost();
   bool isLost() const;
   std::vector<std::string> primaryKey(const std::string& catalog, const std::string& table);
+  // What the engine remembers of this session (tables' columns, result names, prepared statements);
+  // forgotten whenever a new session begins.
+  odbc::SessionCache& sessionCache();
+  // Whether text crosses the driver as the session's UTF-8 (MariaDB Connector/ODBC on a utf8mb4
+  // session) rather than as UTF-16.
+  bool textAsUtf8() const;
   // The text no message may show (the password).
   const std::string& secret() const;
 

@@ -7,6 +7,9 @@
 #include "frame/VbError.h"
 #include "odbc/OdbcApi.h"
 #include "odbc/OdbcConnection.h"
+#include "odbc/ResultRows.h"
+#include "odbc/SessionCache.h"
+#include "odbc/SqlShape.h"
 #include "odbc/StatementTrace.h"
 
 namespace tovrand {
@@ -14,7 +17,9 @@ namespace tovrand {
 using odbc::check;
 using odbc::ColumnInfo;
 using odbc::ColumnKind;
+using odbc::Columns;
 using odbc::Handle;
+using odbc::TextForm;
 using odbc::WideText;
 
 namespace {
@@ -42,11 +47,14 @@ struct Parameter {
   double number = 0;
   SQLINTEGER integer = 0;
   SQL_TIMESTAMP_STRUCT timestamp{};
-  std::u16string text;
+  std::u16string wide;
   SQLLEN indicator = 0;
 };
 
-void bindParameters(SQLHSTMT stmt, std::vector<Parameter>& parameters, std::string_view secret) {
+void bindParameters(SQLHSTMT stmt, std::vector<Parameter>& parameters, TextForm form,
+                    std::string_view secret) {
+  const SQLSMALLINT textC = form == TextForm::Utf8 ? SQL_C_CHAR : SQL_C_WCHAR;
+  const SQLSMALLINT textSql = form == TextForm::Utf8 ? SQL_VARCHAR : SQL_WVARCHAR;
   for (std::size_t i = 0; i < parameters.size(); ++i) {
     Parameter& p = parameters[i];
     auto number = static_cast<SQLUSMALLINT>(i + 1);
@@ -55,8 +63,8 @@ void bindParameters(SQLHSTMT stmt, std::vector<Parameter>& parameters, std::stri
       case Value::Type::Empty:
       case Value::Type::Null:
         p.indicator = SQL_NULL_DATA;
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WVARCHAR, 1, 0, p.text.data(),
-                              0, &p.indicator);
+        rc =
+            SQLBindParameter(stmt, number, SQL_PARAM_INPUT, textC, textSql, 1, 0, &p.number, 0, &p.indicator);
         break;
       case Value::Type::Double:
         p.number = p.value.dbl();
@@ -85,11 +93,22 @@ void bindParameters(SQLHSTMT stmt, std::vector<Parameter>& parameters, std::stri
         break;
       }
       case Value::Type::String: {
-        p.text = toUtf16(p.value.str());
-        p.indicator = static_cast<SQLLEN>(p.text.size() * sizeof(char16_t));
-        SQLULEN size = p.text.empty() ? 1 : p.text.size();
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WVARCHAR, size, 0,
-                              p.text.data(), p.indicator, &p.indicator);
+        // The value's own bytes where the driver takes UTF-8; a UTF-16 copy for the wide form.
+        void* data = nullptr;
+        std::size_t units = 0;
+        if (form == TextForm::Utf8) {
+          const std::string& text = p.value.str();
+          data = const_cast<char*>(text.data());
+          p.indicator = static_cast<SQLLEN>(text.size());
+          units = text.size();
+        } else {
+          p.wide = toUtf16(p.value.str());
+          data = p.wide.data();
+          p.indicator = static_cast<SQLLEN>(p.wide.size() * sizeof(char16_t));
+          units = p.wide.size();
+        }
+        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, textC, textSql, units == 0 ? 1 : units, 0, data,
+                              p.indicator, &p.indicator);
         break;
       }
     }
@@ -143,65 +162,155 @@ struct OdbcRecordset::Impl {
 
   std::shared_ptr<OdbcConnection> connection;  // declared before stmt: outlives it
   Handle stmt;
-  std::vector<ColumnInfo> columns;
+  std::string source;
+  std::shared_ptr<const Columns> columns = std::make_shared<const Columns>();
+  bool baseNamesKnown = false;
+  // The table a keyset open selects whole; its columns are then known without asking the server.
+  std::optional<std::string> wholeTable;
+  odbc::ResultRows rows;
   bool open = false;
   bool updatable = false;
   bool executed = false;
   bool bof = true;
   bool eof = true;
+  // The current row's values, held once an edit needs them (the rows' buffers move on at the next fetch).
   std::vector<Value> row;
+  bool rowHeld = false;
   Pending pending = Pending::None;
   std::vector<std::pair<std::size_t, Value>> changes;  // in the order first assigned
   std::vector<std::size_t> editKey;                    // the key columns of the row being edited
   bool onAddedRow = false;
   std::vector<Value> addedRow;
+  // Field names as the caller last passed them, to the column each named: a method reads the same
+  // literal names row after row, so most look-ups end at the first candidate.
+  struct NameHint {
+    const char* data;
+    std::size_t size;
+    std::size_t index;
+  };
+  std::vector<NameHint> hints;
 
   const std::string& secret() const { return connection->secret(); }
   SQLHSTMT handle() const { return stmt.get(); }
+  TextForm textForm() const { return connection->textAsUtf8() ? TextForm::Utf8 : TextForm::Wide; }
+  odbc::SessionCache& cache() { return connection->sessionCache(); }
 
   void requireOpen() const {
     if (!open) raise(vberr::kObjectClosed);
   }
 
-  std::size_t column(std::string_view name) const {
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      if (equalsIgnoreCase(columns[i].name, name)) return i;
+  std::size_t column(std::string_view name) {
+    const Columns& cs = *columns;
+    for (const NameHint& h : hints) {
+      if (h.data == name.data() && h.size == name.size() && equalsIgnoreCase(cs[h.index].name, name))
+        return h.index;
+    }
+    for (std::size_t i = 0; i < cs.size(); ++i) {
+      if (cs[i].name.size() == name.size() && equalsIgnoreCase(cs[i].name, name)) {
+        if (hints.size() < 64) hints.push_back({name.data(), name.size(), i});
+        return i;
+      }
     }
     raise(vberr::kItemNotFound);
   }
 
+  void useColumns(std::shared_ptr<const Columns> described, bool withBaseNames) {
+    columns = std::move(described);
+    baseNamesKnown = withBaseNames;
+    hints.clear();
+  }
+
   void fetch() {
-    guarded([&] { fetchRow(); });
+    guarded([&] {
+      rowHeld = false;
+      eof = !rows.fetch();
+    });
   }
 
-  void fetchRow() {
-    SQLRETURN rc = SQLFetch(handle());
-    if (rc == SQL_NO_DATA) {
-      eof = true;
-      row.clear();
-      return;
-    }
-    check(rc, SQL_HANDLE_STMT, handle(), "fetching a row", secret());
-    row.clear();
-    row.reserve(columns.size());
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      row.push_back(odbc::readColumn(handle(), static_cast<SQLUSMALLINT>(i + 1), columns[i], secret()));
-    }
-    eof = false;
-  }
-
-  void fetchFirst() {
+  void startRows() {
+    rows.start(handle(), columns, textForm(), secret());
     executed = true;
     bof = false;
     fetch();
     if (eof) bof = true;
   }
 
+  // The columns of the executed statement's result: types asked each time (cheap), labels taken from
+  // an earlier result of the same shape where there is one.
+  std::shared_ptr<const Columns> resultColumns(SQLSMALLINT count) {
+    Columns described = odbc::describeTypes(handle(), count, secret());
+    std::string shape = odbc::resultShapeOf(source);
+    if (auto names = cache().resultNames(shape); names && names->size() == described.size()) {
+      for (std::size_t i = 0; i < described.size(); ++i) described[i].name = (*names)[i];
+    } else {
+      odbc::describeNames(handle(), described, secret());
+      auto learned = std::make_shared<std::vector<std::string>>();
+      for (const ColumnInfo& c : described) learned->push_back(c.name);
+      cache().rememberResultNames(shape, std::move(learned));
+    }
+    return std::make_shared<const Columns>(std::move(described));
+  }
+
+  // Runs the text now and makes its first row current; a statement without a result leaves the
+  // recordset closed.
+  void runNow() {
+    stmt = newStatement();
+    WideText text(source);
+    check(SQLExecDirectW(handle(), text.get(), text.length()), SQL_HANDLE_STMT, handle(), "running the query",
+          secret());
+    SQLSMALLINT count = odbc::resultColumnCount(handle(), secret());
+    if (count == 0) {
+      reportDelivery(source, Delivery::NoResult);
+      close();
+      return;
+    }
+    useColumns(resultColumns(count), false);
+    reportDelivery(source, Delivery::Rows);
+    startRows();
+    open = true;
+  }
+
+  // A keyset open of a whole table: its columns from what this session learned of the table, or, the
+  // first time, from the server's preparation of the text (which then runs it if rows are wanted).
+  void openWholeTable() {
+    if (auto known = cache().tableColumns(*wholeTable)) {
+      useColumns(std::move(known), true);
+      open = true;
+      return;
+    }
+    stmt = newStatement();
+    WideText text(source);
+    check(SQLPrepareW(handle(), text.get(), text.length()), SQL_HANDLE_STMT, handle(), "preparing the query",
+          secret());
+    auto described =
+        std::make_shared<Columns>(odbc::describeColumns(handle(), secret(), odbc::BaseNames::Read));
+    cache().rememberTableColumns(*wholeTable, described);
+    useColumns(std::move(described), true);
+    open = true;
+  }
+
   void ensureExecuted() {
     if (executed) return;
     guarded([&] {
-      check(SQLExecute(handle()), SQL_HANDLE_STMT, handle(), "running the query", secret());
-      fetchFirst();
+      if (stmt) {
+        check(SQLExecute(handle()), SQL_HANDLE_STMT, handle(), "running the query", secret());
+      } else {
+        stmt = newStatement();
+        WideText text(source);
+        check(SQLExecDirectW(handle(), text.get(), text.length()), SQL_HANDLE_STMT, handle(),
+              "running the query", secret());
+        // The table may have changed since its columns were learned: a result of another shape is
+        // described anew, and learned again.
+        Columns now = odbc::describeTypes(handle(), odbc::resultColumnCount(handle(), secret()), secret());
+        if (!odbc::sameTypes(now, *columns)) {
+          auto described =
+              std::make_shared<Columns>(odbc::describeColumns(handle(), secret(), odbc::BaseNames::Read));
+          cache().rememberTableColumns(*wholeTable, described);
+          useColumns(std::move(described), true);
+        }
+      }
+      reportDelivery(source, Delivery::Rows);
+      startRows();
     });
   }
 
@@ -223,7 +332,22 @@ struct OdbcRecordset::Impl {
     return !bof && !eof;
   }
 
-  std::vector<Value>& currentValues() { return onAddedRow ? addedRow : row; }
+  Value currentValue(std::size_t index) const {
+    if (onAddedRow) return addedRow[index];
+    if (rowHeld) return row[index];
+    return rows.value(index);
+  }
+
+  // The current row's values, held so that an edit can change them.
+  std::vector<Value>& currentValues() {
+    if (onAddedRow) return addedRow;
+    if (!rowHeld) {
+      row.clear();
+      for (std::size_t i = 0; i < columns->size(); ++i) row.push_back(rows.value(i));
+      rowHeld = true;
+    }
+    return row;
+  }
 
   Handle newStatement() {
     SQLHDBC dbc = static_cast<SQLHDBC>(connection->nativeHandle());
@@ -235,21 +359,44 @@ struct OdbcRecordset::Impl {
     return Handle(SQL_HANDLE_STMT, h);
   }
 
-  // Prepares, binds and runs one of the engine's own statements.
+  // Binds and runs one of the engine's own statements, on a statement this session prepared for the
+  // same text before when there is one: a recordset that adds row after row to a table sends each row
+  // in one round trip.
   void runEngineStatement(const std::string& sql, std::vector<Parameter>& parameters) {
     traceStatement(sql, StatementOrigin::Engine);
-    Handle s = newStatement();
-    WideText text(sql);
+    SQLHDBC dbc = static_cast<SQLHDBC>(connection->nativeHandle());
+    odbc::LentStatement lent = cache().takeStatement(sql);
     guarded([&] {
-      check(SQLPrepareW(s.get(), text.get(), text.length()), SQL_HANDLE_STMT, s.get(),
-            "preparing a statement", secret());
-      bindParameters(s.get(), parameters, secret());
-      check(SQLExecute(s.get()), SQL_HANDLE_STMT, s.get(), "storing the row", secret());
+      if (!lent.handle) {
+        SQLHANDLE h = SQL_NULL_HANDLE;
+        check(SQLAllocHandle(SQL_HANDLE_STMT, dbc, &h), SQL_HANDLE_DBC, dbc, "allocating a statement",
+              secret());
+        lent.handle = Handle(SQL_HANDLE_STMT, h);
+        WideText text(sql);
+        check(SQLPrepareW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "preparing a statement",
+              secret());
+      }
+      SQLHSTMT h = lent.handle.get();
+      bindParameters(h, parameters, textForm(), secret());
+      check(SQLExecute(h), SQL_HANDLE_STMT, h, "storing the row", secret());
     });
+    if (deliveryObserved()) {
+      std::vector<Value> values;
+      for (const Parameter& p : parameters) values.push_back(p.value);
+      reportDelivery(sql, Delivery::BoundWrite, values);
+    }
+    cache().giveBack(sql, std::move(lent));
   }
 
-  const ColumnInfo& writableColumn(std::size_t index) const {
-    const ColumnInfo& c = columns[index];
+  const ColumnInfo& writableColumn(std::size_t index) {
+    if (!baseNamesKnown) {
+      // A text that is not a whole table learns where its columns come from when it is first edited.
+      auto described = std::make_shared<Columns>(*columns);
+      guarded([&] { odbc::describeBaseNames(handle(), *described); });
+      columns = std::move(described);
+      baseNamesKnown = true;
+    }
+    const ColumnInfo& c = (*columns)[index];
     if (c.baseTable.empty() || c.baseColumn.empty()) {
       throw VbError(vberr::kProviderError,
                     "the field " + c.name + " is not a column of a table and cannot be assigned");
@@ -258,13 +405,13 @@ struct OdbcRecordset::Impl {
   }
 
   // The one table the assigned columns belong to.
-  std::string targetTable(std::string& catalog) const {
+  std::string targetTable() const {
+    const Columns& cs = *columns;
     std::string table;
     for (auto& [index, value] : changes) {
-      const ColumnInfo& c = columns[index];
+      const ColumnInfo& c = cs[index];
       if (table.empty()) {
         table = c.baseTable;
-        catalog = c.catalog;
       } else if (!equalsIgnoreCase(table, c.baseTable)) {
         throw VbError(vberr::kProviderError, "the assigned fields belong to more than one table (" + table +
                                                  ", " + c.baseTable +
@@ -272,11 +419,8 @@ struct OdbcRecordset::Impl {
       }
     }
     if (table.empty()) {
-      for (const ColumnInfo& c : columns) {
-        if (!c.baseTable.empty()) {
-          catalog = c.catalog;
-          return c.baseTable;
-        }
+      for (const ColumnInfo& c : cs) {
+        if (!c.baseTable.empty()) return c.baseTable;
       }
       throw VbError(vberr::kProviderError, "the recordset has no column of a table to store a row into");
     }
@@ -291,16 +435,16 @@ struct OdbcRecordset::Impl {
                     "the table " + c.baseTable +
                         " has no primary key, so its rows cannot be edited through a recordset");
     }
+    const Columns& cs = *columns;
     std::vector<std::size_t> indexes;
     for (const std::string& k : key) {
-      std::size_t found = columns.size();
-      for (std::size_t i = 0; i < columns.size() && found == columns.size(); ++i) {
-        if (equalsIgnoreCase(columns[i].baseTable, c.baseTable) &&
-            equalsIgnoreCase(columns[i].baseColumn, k)) {
+      std::size_t found = cs.size();
+      for (std::size_t i = 0; i < cs.size() && found == cs.size(); ++i) {
+        if (equalsIgnoreCase(cs[i].baseTable, c.baseTable) && equalsIgnoreCase(cs[i].baseColumn, k)) {
           found = i;
         }
       }
-      if (found == columns.size()) {
+      if (found == cs.size()) {
         throw VbError(vberr::kProviderError, "the recordset does not hold the key column " + k +
                                                  " of the table " + c.baseTable +
                                                  ", so its rows cannot be edited");
@@ -316,8 +460,8 @@ struct OdbcRecordset::Impl {
   }
 
   void storeNew() {
-    std::string catalog;
-    std::string table = targetTable(catalog);
+    const Columns& cs = *columns;
+    std::string table = targetTable();
     std::string names, marks;
     std::vector<Parameter> parameters;
     parameters.reserve(changes.size());
@@ -326,13 +470,13 @@ struct OdbcRecordset::Impl {
         names += ", ";
         marks += ", ";
       }
-      names += quoted(columns[index].baseColumn);
+      names += quoted(cs[index].baseColumn);
       marks += "?";
       parameters.emplace_back().value = value;
     }
     runEngineStatement("INSERT INTO " + quoted(table) + " (" + names + ") VALUES (" + marks + ")",
                        parameters);
-    addedRow.assign(columns.size(), Value::null());
+    addedRow.assign(cs.size(), Value::null());
     for (auto& [index, value] : changes) addedRow[index] = value;
     onAddedRow = true;
     pending = Pending::None;
@@ -344,20 +488,20 @@ struct OdbcRecordset::Impl {
       pending = Pending::None;
       return;
     }
-    std::string catalog;
-    std::string table = targetTable(catalog);
+    const Columns& cs = *columns;
+    std::string table = targetTable();
     std::string sets, where;
     std::vector<Parameter> parameters;
     parameters.reserve(changes.size() + editKey.size());
     for (auto& [index, value] : changes) {
       if (!sets.empty()) sets += ", ";
-      sets += quoted(columns[index].baseColumn) + "=?";
+      sets += quoted(cs[index].baseColumn) + "=?";
       parameters.emplace_back().value = value;
     }
     std::vector<Value>& current = currentValues();
     for (std::size_t index : editKey) {
       if (!where.empty()) where += " AND ";
-      where += quoted(columns[index].baseColumn) + "=?";
+      where += quoted(cs[index].baseColumn) + "=?";
       parameters.emplace_back().value = current[index];
     }
     runEngineStatement("UPDATE " + quoted(table) + " SET " + sets + " WHERE " + where + " LIMIT 1",
@@ -375,12 +519,13 @@ struct OdbcRecordset::Impl {
 
   void close() {
     discard();
+    rows.reset();
     stmt.reset();
     connection.reset();
-    columns.clear();
+    wholeTable.reset();
     row.clear();
     addedRow.clear();
-    open = updatable = executed = onAddedRow = false;
+    open = updatable = executed = onAddedRow = rowHeld = false;
     bof = eof = true;
   }
 };
@@ -408,32 +553,16 @@ void OdbcRecordset::Open(const std::string& source, const std::shared_ptr<Connec
   m.close();
   m.connection = odbcConnection;
   m.updatable = isUpdatableLock(LockType);
-  m.stmt = m.newStatement();
-  SQLHSTMT h = m.handle();
-  WideText text(source);
+  m.source = source;
   traceStatement(source, StatementOrigin::Method);
   try {
     m.guarded([&] {
-      if (m.updatable) {
-        check(SQLPrepareW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "preparing the query",
-              m.secret());
-        m.columns = odbc::describeColumns(h, m.secret(), odbc::BaseNames::Read);
-        if (m.columns.empty()) {
-          check(SQLExecute(h), SQL_HANDLE_STMT, h, "running the statement", m.secret());
-          m.close();
-          return;
-        }
+      if (m.updatable) m.wholeTable = odbc::wholeTableOf(source);
+      if (m.wholeTable) {
+        m.openWholeTable();
       } else {
-        check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running the query",
-              m.secret());
-        m.columns = odbc::describeColumns(h, m.secret(), odbc::BaseNames::Skip);
-        if (m.columns.empty()) {
-          m.close();
-          return;
-        }
-        m.fetchFirst();
+        m.runNow();
       }
-      m.open = true;
     });
   } catch (...) {
     m.close();
@@ -472,7 +601,7 @@ Value OdbcRecordset::getField(std::string_view name) {
     if (m.pending == Impl::Pending::New) return Value::null();
   }
   if (!m.hasCurrentRow()) raise(vberr::kNoCurrentRecord);
-  return m.currentValues()[index];
+  return m.currentValue(index);
 }
 
 void OdbcRecordset::setField(std::string_view name, const Value& value) {
@@ -506,7 +635,7 @@ void OdbcRecordset::MoveNext() {
     m.executed = true;
     m.bof = false;
     m.eof = true;
-    m.row.clear();
+    m.rowHeld = false;
     return;
   }
   m.ensureExecuted();
