@@ -227,11 +227,19 @@ void describeBaseNames(SQLHSTMT stmt, std::vector<ColumnInfo>& columns) {
   }
 }
 
-bool sameTypes(const std::vector<ColumnInfo>& a, const std::vector<ColumnInfo>& b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (a[i].sqlType != b[i].sqlType || a[i].size != b[i].size || a[i].isUnsigned != b[i].isUnsigned)
-      return false;
+bool describesAs(SQLHSTMT stmt, SQLSMALLINT count, const std::vector<ColumnInfo>& columns,
+                 std::string_view secret) {
+  if (static_cast<std::size_t>(count) != columns.size()) return false;
+  for (SQLSMALLINT i = 1; i <= count; ++i) {
+    const ColumnInfo& c = columns[static_cast<std::size_t>(i - 1)];
+    SQLSMALLINT nameLength = 0, sqlType = 0, decimals = 0, nullable = 0;
+    SQLULEN size = 0;
+    check(SQLDescribeColW(stmt, static_cast<SQLUSMALLINT>(i), nullptr, 0, &nameLength, &sqlType, &size,
+                          &decimals, &nullable),
+          SQL_HANDLE_STMT, stmt, "describing a result column", secret);
+    SQLLEN isUnsigned = SQL_FALSE;
+    SQLColAttributeW(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_UNSIGNED, nullptr, 0, nullptr, &isUnsigned);
+    if (sqlType != c.sqlType || size != c.size || (isUnsigned == SQL_TRUE) != c.isUnsigned) return false;
   }
   return true;
 }

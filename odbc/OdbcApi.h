@@ -118,8 +118,10 @@ SQLSMALLINT resultColumnCount(SQLHSTMT stmt, std::string_view secret);
 std::vector<ColumnInfo> describeTypes(SQLHSTMT stmt, SQLSMALLINT count, std::string_view secret);
 void describeNames(SQLHSTMT stmt, std::vector<ColumnInfo>& columns, std::string_view secret);
 void describeBaseNames(SQLHSTMT stmt, std::vector<ColumnInfo>& columns);
-// Whether two descriptions give the same types, sizes and signedness (labels aside).
-bool sameTypes(const std::vector<ColumnInfo>& a, const std::vector<ColumnInfo>& b);
+// Whether the statement's result has `count` columns of the types, sizes and signedness `columns`
+// describe (labels aside), asking the driver nothing that costs a text conversion.
+bool describesAs(SQLHSTMT stmt, SQLSMALLINT count, const std::vector<ColumnInfo>& columns,
+                 std::string_view secret);
 // Everything above at once.
 enum class BaseNames { Read, Skip };
 std::vector<ColumnInfo> describeColumns(SQLHSTMT stmt, std::string_view secret, BaseNames baseNames);

@@ -211,13 +211,20 @@ struct OdbcRecordset::Impl {
         return i;
       }
     }
+    // A whole table's columns as this session learned them: the table may have gained the column
+    // since. The server describes the text once more (no rows are read) before the name is refused.
+    if (wholeTable && !stmt) {
+      guarded([&] { learnWholeTable(); });
+      return column(name);
+    }
     raise(vberr::kItemNotFound);
   }
 
   void useColumns(std::shared_ptr<const Columns> described, bool withBaseNames) {
+    // The same description as the last open's (a result of the same shape) keeps its name hints.
+    if (described != columns) hints.clear();
     columns = std::move(described);
     baseNamesKnown = withBaseNames;
-    hints.clear();
   }
 
   void fetch() {
@@ -235,20 +242,18 @@ struct OdbcRecordset::Impl {
     if (eof) bof = true;
   }
 
-  // The columns of the executed statement's result: types asked each time (cheap), labels taken from
-  // an earlier result of the same shape where there is one.
+  // The columns of the executed statement's result: taken from an earlier result of the same shape when
+  // the driver describes the same types (asking for types costs little, labels much), else described.
   std::shared_ptr<const Columns> resultColumns(SQLSMALLINT count) {
-    Columns described = odbc::describeTypes(handle(), count, secret());
     std::string shape = odbc::resultShapeOf(source);
-    if (auto names = cache().resultNames(shape); names && names->size() == described.size()) {
-      for (std::size_t i = 0; i < described.size(); ++i) described[i].name = (*names)[i];
-    } else {
-      odbc::describeNames(handle(), described, secret());
-      auto learned = std::make_shared<std::vector<std::string>>();
-      for (const ColumnInfo& c : described) learned->push_back(c.name);
-      cache().rememberResultNames(shape, std::move(learned));
+    if (auto known = cache().resultColumns(shape);
+        known && odbc::describesAs(handle(), count, *known, secret())) {
+      return known;
     }
-    return std::make_shared<const Columns>(std::move(described));
+    auto described =
+        std::make_shared<const Columns>(odbc::describeColumns(handle(), secret(), odbc::BaseNames::Skip));
+    cache().rememberResultColumns(shape, described);
+    return described;
   }
 
   // Runs the text now and makes its first row current; a statement without a result leaves the
@@ -278,6 +283,13 @@ struct OdbcRecordset::Impl {
       open = true;
       return;
     }
+    learnWholeTable();
+    open = true;
+  }
+
+  // Prepares the text (the server describes its columns and reads no row) and remembers the columns
+  // for the table; the prepared statement runs it if rows are wanted.
+  void learnWholeTable() {
     stmt = newStatement();
     WideText text(source);
     check(SQLPrepareW(handle(), text.get(), text.length()), SQL_HANDLE_STMT, handle(), "preparing the query",
@@ -286,7 +298,6 @@ struct OdbcRecordset::Impl {
         std::make_shared<Columns>(odbc::describeColumns(handle(), secret(), odbc::BaseNames::Read));
     cache().rememberTableColumns(*wholeTable, described);
     useColumns(std::move(described), true);
-    open = true;
   }
 
   void ensureExecuted() {
@@ -301,8 +312,7 @@ struct OdbcRecordset::Impl {
               "running the query", secret());
         // The table may have changed since its columns were learned: a result of another shape is
         // described anew, and learned again.
-        Columns now = odbc::describeTypes(handle(), odbc::resultColumnCount(handle(), secret()), secret());
-        if (!odbc::sameTypes(now, *columns)) {
+        if (!odbc::describesAs(handle(), odbc::resultColumnCount(handle(), secret()), *columns, secret())) {
           auto described =
               std::make_shared<Columns>(odbc::describeColumns(handle(), secret(), odbc::BaseNames::Read));
           cache().rememberTableColumns(*wholeTable, described);

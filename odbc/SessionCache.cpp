@@ -14,17 +14,16 @@ void SessionCache::rememberTableColumns(const std::string& table, std::shared_pt
   tables_[table] = std::move(columns);
 }
 
-std::shared_ptr<const std::vector<std::string>> SessionCache::resultNames(const std::string& shape) {
+std::shared_ptr<const Columns> SessionCache::resultColumns(const std::string& shape) {
   Guard lock(mutex_);
-  auto it = names_.find(shape);
-  return it == names_.end() ? nullptr : it->second;
+  auto it = results_.find(shape);
+  return it == results_.end() ? nullptr : it->second;
 }
 
-void SessionCache::rememberResultNames(const std::string& shape,
-                                       std::shared_ptr<const std::vector<std::string>> names) {
+void SessionCache::rememberResultColumns(const std::string& shape, std::shared_ptr<const Columns> columns) {
   Guard lock(mutex_);
-  if (names_.size() >= kMaxShapes) names_.clear();
-  names_[shape] = std::move(names);
+  if (results_.size() >= kMaxShapes) results_.clear();
+  results_[shape] = std::move(columns);
 }
 
 LentStatement SessionCache::takeStatement(const std::string& sql) {
@@ -76,7 +75,7 @@ void SessionCache::newSession() {
     gone.swap(statements_);
     idleStatements_ = 0;
     tables_.clear();
-    names_.clear();
+    results_.clear();
   }
 }
 

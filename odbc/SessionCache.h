@@ -1,8 +1,8 @@
 #pragma once
 
 // What one connection's engine remembers so that it need not ask the server again: the columns of the
-// tables opened whole, the column names of results already described, and the engine's prepared
-// INSERT and UPDATE statements. Only the engine's .cpp files include this header.
+// tables opened whole, the columns of results already described, and the engine's prepared INSERT and
+// UPDATE statements. Only the engine's .cpp files include this header.
 
 #include <cstdint>
 #include <memory>
@@ -34,9 +34,10 @@ class SessionCache {
   std::shared_ptr<const Columns> tableColumns(const std::string& table);
   void rememberTableColumns(const std::string& table, std::shared_ptr<const Columns> columns);
 
-  // The column names of a result of the shape (see resultShapeOf); null when not known yet.
-  std::shared_ptr<const std::vector<std::string>> resultNames(const std::string& shape);
-  void rememberResultNames(const std::string& shape, std::shared_ptr<const std::vector<std::string>> names);
+  // The columns (labels and types) of a result of the shape (see resultShapeOf); null when not known
+  // yet.
+  std::shared_ptr<const Columns> resultColumns(const std::string& shape);
+  void rememberResultColumns(const std::string& shape, std::shared_ptr<const Columns> columns);
 
   // A statement prepared earlier on this session for exactly this text, taken out of the cache until
   // it is given back; an empty handle when there is none.
@@ -60,7 +61,7 @@ class SessionCache {
   mutable Mutex mutex_;
   std::uint64_t session_ = 1;
   std::unordered_map<std::string, std::shared_ptr<const Columns>> tables_;
-  std::unordered_map<std::string, std::shared_ptr<const std::vector<std::string>>> names_;
+  std::unordered_map<std::string, std::shared_ptr<const Columns>> results_;
   std::unordered_map<std::string, std::vector<Handle>> statements_;
   std::size_t idleStatements_ = 0;
 };

@@ -45,44 +45,60 @@ std::size_t endOfQuoted(std::string_view sql, std::size_t at, char quote) {
   return sql.size();
 }
 
-// The text's tokens; blanks and comments fall between them.
+// Reads the text's tokens one after the other; blanks and comments fall between them.
+class Scanner {
+ public:
+  explicit Scanner(std::string_view sql) : sql_(sql) {}
+
+  // The next token; false at the end of the text.
+  bool next(Token& t) {
+    while (at_ < sql_.size()) {
+      std::size_t i = at_;
+      auto c = static_cast<unsigned char>(sql_[i]);
+      if (c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v') {
+        ++at_;
+      } else if (c == '#' || (c == '-' && i + 2 < sql_.size() && sql_[i + 1] == '-' &&
+                              (sql_[i + 2] == ' ' || sql_[i + 2] == '\t'))) {
+        while (at_ < sql_.size() && sql_[at_] != '\n') ++at_;
+      } else if (c == '/' && i + 1 < sql_.size() && sql_[i + 1] == '*') {
+        std::size_t close = sql_.find("*/", i + 2);
+        at_ = close == std::string_view::npos ? sql_.size() : close + 2;
+      } else if (c == '\'' || c == '"') {
+        return emit(t, Token::Kind::Text, endOfQuoted(sql_, i, static_cast<char>(c)));
+      } else if (c == '`') {
+        return emit(t, Token::Kind::Quoted, endOfQuoted(sql_, i, '`'));
+      } else if (isDigit(c) ||
+                 (c == '.' && i + 1 < sql_.size() && isDigit(static_cast<unsigned char>(sql_[i + 1])))) {
+        std::size_t end = i + 1;
+        while (end < sql_.size() && (isWordChar(static_cast<unsigned char>(sql_[end])) || sql_[end] == '.'))
+          ++end;
+        return emit(t, Token::Kind::Number, end);
+      } else if (isWordChar(c)) {
+        std::size_t end = i + 1;
+        while (end < sql_.size() && isWordChar(static_cast<unsigned char>(sql_[end]))) ++end;
+        return emit(t, Token::Kind::Word, end);
+      } else {
+        return emit(t, Token::Kind::Mark, i + 1);
+      }
+    }
+    return false;
+  }
+
+ private:
+  bool emit(Token& t, Token::Kind kind, std::size_t end) {
+    t = {kind, at_, end};
+    at_ = end;
+    return true;
+  }
+  std::string_view sql_;
+  std::size_t at_ = 0;
+};
+
 std::vector<Token> tokens(std::string_view sql) {
   std::vector<Token> out;
-  std::size_t i = 0;
-  while (i < sql.size()) {
-    auto c = static_cast<unsigned char>(sql[i]);
-    if (c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v') {
-      ++i;
-    } else if (c == '#' || (c == '-' && i + 2 < sql.size() && sql[i + 1] == '-' &&
-                            (sql[i + 2] == ' ' || sql[i + 2] == '\t'))) {
-      while (i < sql.size() && sql[i] != '\n') ++i;
-    } else if (c == '/' && i + 1 < sql.size() && sql[i + 1] == '*') {
-      std::size_t close = sql.find("*/", i + 2);
-      i = close == std::string_view::npos ? sql.size() : close + 2;
-    } else if (c == '\'' || c == '"') {
-      std::size_t end = endOfQuoted(sql, i, static_cast<char>(c));
-      out.push_back({Token::Kind::Text, i, end});
-      i = end;
-    } else if (c == '`') {
-      std::size_t end = endOfQuoted(sql, i, '`');
-      out.push_back({Token::Kind::Quoted, i, end});
-      i = end;
-    } else if (isDigit(c) ||
-               (c == '.' && i + 1 < sql.size() && isDigit(static_cast<unsigned char>(sql[i + 1])))) {
-      std::size_t end = i + 1;
-      while (end < sql.size() && (isWordChar(static_cast<unsigned char>(sql[end])) || sql[end] == '.')) ++end;
-      out.push_back({Token::Kind::Number, i, end});
-      i = end;
-    } else if (isWordChar(c)) {
-      std::size_t end = i + 1;
-      while (end < sql.size() && isWordChar(static_cast<unsigned char>(sql[end]))) ++end;
-      out.push_back({Token::Kind::Word, i, end});
-      i = end;
-    } else {
-      out.push_back({Token::Kind::Mark, i, i + 1});
-      ++i;
-    }
-  }
+  Scanner scanner(sql);
+  Token t{};
+  while (scanner.next(t)) out.push_back(t);
   return out;
 }
 
@@ -165,26 +181,31 @@ std::optional<std::string> wholeTableOf(std::string_view sql) {
 }
 
 std::string resultShapeOf(std::string_view sql) {
-  std::vector<Token> all = tokens(sql);
-  if (hasUnion(sql, all)) return std::string(sql);
-  int depth = 0;
-  std::size_t where = all.size();
-  for (std::size_t i = 0; i < all.size() && where == all.size(); ++i) {
-    if (isMark(sql, all[i], '(')) ++depth;
-    if (isMark(sql, all[i], ')')) --depth;
-    if (depth == 0 && isWord(sql, all[i], "where")) where = i;
-  }
-  if (where == all.size()) return std::string(sql);
+  // One pass: the key is built as the text is read, and the text itself is the answer when it turns
+  // out to have no WHERE of its own or to have a UNION.
   std::string key;
-  key.reserve(sql.size());
+  Scanner scanner(sql);
+  Token t{};
+  int depth = 0;
+  bool masking = false;
   std::size_t copied = 0;
-  for (std::size_t i = where + 1; i < all.size(); ++i) {
-    const Token& t = all[i];
-    if (t.kind != Token::Kind::Text && t.kind != Token::Kind::Number) continue;
-    key.append(sql.substr(copied, t.begin - copied));
-    key += '?';
-    copied = t.end;
+  while (scanner.next(t)) {
+    if (t.kind == Token::Kind::Mark) {
+      if (sql[t.begin] == '(') ++depth;
+      if (sql[t.begin] == ')') --depth;
+    } else if (t.kind == Token::Kind::Word) {
+      if (isWord(sql, t, "union")) return std::string(sql);
+      if (!masking && depth == 0 && isWord(sql, t, "where")) {
+        masking = true;
+        key.reserve(sql.size());
+      }
+    } else if (masking && (t.kind == Token::Kind::Text || t.kind == Token::Kind::Number)) {
+      key.append(sql.substr(copied, t.begin - copied));
+      key += '?';
+      copied = t.end;
+    }
   }
+  if (!masking) return std::string(sql);
   key.append(sql.substr(copied));
   return key;
 }
