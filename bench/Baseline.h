@@ -15,6 +15,7 @@ namespace tovrand::bench {
 struct ColumnType {
   enum class Kind { Double, BigInt, Integer, Text } kind = Kind::Text;
   std::size_t bytes = 0;
+  std::string name;  // the column's label, for the engine's replay
 };
 
 // One statement as a baseline sends it: the text the component sent (taken from what the engine
@@ -60,6 +61,10 @@ std::unique_ptr<Baseline> odbcBaseline(const ConnectionSettings& settings);
 // Bare MariaDB Connector/C calls on a connection of their own: the text protocol for the method's texts,
 // prepared statements where the engine stores a row.
 std::unique_ptr<Baseline> connectorCBaseline(const ConnectionSettings& settings);
+// The engine alone: each text opened on a recordset of the engine (every field of every row read by
+// name, as a method reads it, but no entity filled), the engine's INSERT and UPDATE run as the engine
+// runs them. What the component costs beyond this is the members' own work.
+std::unique_ptr<Baseline> engineBaseline(const ConnectionSettings& settings);
 
 // The result columns of a query, as the ODBC driver describes them (prepared, not run).
 std::vector<ColumnType> describeQuery(const ConnectionSettings& settings, const std::string& sql);

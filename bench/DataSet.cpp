@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -293,6 +294,7 @@ std::unique_ptr<DataSet> makeDataSet(int rows, bool appendTablesOnly) {
   d->objects = std::make_unique<Objects>(d->settings);
   d->odbc = odbcBaseline(d->settings);
   d->connectorC = connectorCBaseline(d->settings);
+  if (std::getenv("TOVRAND_BENCH_NO_ENGINE") == nullptr) d->engine = engineBaseline(d->settings);
   d->setupSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   std::fprintf(stderr, "data set: %d rows%s in %s, ready in %.1f s\n", rows,
                appendTablesOnly ? " (the tables added to whole)" : "", d->database.c_str(), d->setupSeconds);
@@ -303,6 +305,7 @@ void drop(DataSet& d) {
   d.objects.reset();
   d.odbc.reset();
   d.connectorC.reset();
+  d.engine.reset();
   d.fixture.reset();
   test::TestServer::instance().admin("DROP DATABASE IF EXISTS `" + d.database + "`");
 }

@@ -48,6 +48,7 @@ struct DataSet {
   std::unique_ptr<Objects> objects;
   std::unique_ptr<Baseline> odbc;
   std::unique_ptr<Baseline> connectorC;
+  std::unique_ptr<Baseline> engine;
 
   int products() const;
   int materials() const;

@@ -62,18 +62,18 @@ ColumnType typeOf(SQLSMALLINT sqlType, SQLULEN size) {
     case SQL_DOUBLE:
     case SQL_FLOAT:
     case SQL_REAL:
-      return {ColumnType::Kind::Double, sizeof(double)};
+      return {ColumnType::Kind::Double, sizeof(double), {}};
     case SQL_BIGINT:
-      return {ColumnType::Kind::BigInt, sizeof(std::int64_t)};
+      return {ColumnType::Kind::BigInt, sizeof(std::int64_t), {}};
     case SQL_INTEGER:
     case SQL_SMALLINT:
     case SQL_TINYINT:
     case SQL_BIT:
-      return {ColumnType::Kind::Integer, sizeof(SQLINTEGER)};
+      return {ColumnType::Kind::Integer, sizeof(SQLINTEGER), {}};
     default:
       // Text, decimals and dates as the session's text (the driver hands the zero datetime to a
       // timestamp buffer as NULL).
-      return {ColumnType::Kind::Text, std::max<std::size_t>(size * 4 + 1, 72)};
+      return {ColumnType::Kind::Text, std::max<std::size_t>(size * 4 + 1, 72), {}};
   }
 }
 
@@ -267,12 +267,16 @@ std::vector<ColumnType> describeQuery(const ConnectionSettings& settings, const 
   check(SQLNumResultCols(s.get(), &count), SQL_HANDLE_STMT, s.get(), "SQLNumResultCols", sql);
   std::vector<ColumnType> columns;
   for (SQLSMALLINT i = 1; i <= count; ++i) {
+    SQLWCHAR name[256] = {};
     SQLSMALLINT nameLength = 0, sqlType = 0, decimals = 0, nullable = 0;
     SQLULEN size = 0;
-    check(SQLDescribeColW(s.get(), static_cast<SQLUSMALLINT>(i), nullptr, 0, &nameLength, &sqlType, &size,
+    check(SQLDescribeColW(s.get(), static_cast<SQLUSMALLINT>(i), name, 256, &nameLength, &sqlType, &size,
                           &decimals, &nullable),
           SQL_HANDLE_STMT, s.get(), "SQLDescribeColW", sql);
     columns.push_back(typeOf(sqlType, size));
+    columns.back().name =
+        toUtf8(std::u16string_view(reinterpret_cast<const char16_t*>(name),
+                                   std::min<std::size_t>(static_cast<std::size_t>(nameLength), 255)));
   }
   return columns;
 }

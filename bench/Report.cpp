@@ -23,6 +23,8 @@ const char* implName(Impl impl) {
       return "connector_c";
     case Impl::Installed:
       return "installed";
+    case Impl::Engine:
+      return "engine";
   }
   return "";
 }
@@ -37,6 +39,8 @@ const char* implLabel(Impl impl) {
       return "bare Connector/C";
     case Impl::Installed:
       return "installed (keyset open run and buffered)";
+    case Impl::Engine:
+      return "the engine alone (no entities)";
   }
   return "";
 }
@@ -144,11 +148,10 @@ bool memoryFlat(long small, long large) {
 void printTimes(const Results& r) {
   std::printf(
       "\n=== every member: time per call (median of the repetitions) beside the same statements through bare "
-      "ODBC "
-      "and bare Connector/C ===\n");
-  std::printf("%-44s %7s %10s %10s %10s %6s %6s | %9s %9s %6s | %8s | %5s | %9s\n", "member", "rows",
-              "component", "ODBC", "Conn/C", "c/ODBC", "c/C", "cpu comp", "cpu ODBC", "c/ODBC", "peak KiB",
-              "yield", "rt/floor");
+      "ODBC and bare Connector/C ===\n");
+  std::printf("%-44s %7s %10s %10s %10s %6s %6s | %9s %9s %6s | %6s %6s | %8s | %5s | %9s\n", "member",
+              "rows", "component", "ODBC", "Conn/C", "c/ODBC", "c/C", "cpu comp", "cpu ODBC", "c/ODBC",
+              "e/ODBC", "ecpu/O", "peak KiB", "yield", "rt/floor");
   for (const Row& m : memberRows(r, false)) {
     std::string name = m.cls.substr(7) + "." + m.label;
     auto rt = r.roundTrips.find(m.key);
@@ -163,24 +166,29 @@ void printTimes(const Results& r) {
       if (c <= 0 && o <= 0 && x <= 0) continue;
       double cc = medianCpu(r, m.key, Impl::Component, rows);
       double co = medianCpu(r, m.key, Impl::Odbc, rows);
+      double e = medianReal(r, m.key, Impl::Engine, rows);
+      double ce = medianCpu(r, m.key, Impl::Engine, rows);
       const Series* s = r.find(m.key, Impl::Component, rows);
-      std::printf("%-44s %7d %10s %10s %10s %6s %6s | %9s %9s %6s | %8ld | %5zu | %9s\n",
+      std::printf("%-44s %7d %10s %10s %10s %6s %6s | %9s %9s %6s | %6s %6s | %8ld | %5zu | %9s\n",
                   first ? name.c_str() : "", rows, duration(c).c_str(), duration(o).c_str(),
                   duration(x).c_str(), ratio(c, o).c_str(), ratio(c, x).c_str(), duration(cc).c_str(),
-                  duration(co).c_str(), ratio(cc, co).c_str(), peak(r, m.key, Impl::Component, rows),
-                  s != nullptr ? s->yield : 0, first ? trips.c_str() : "");
+                  duration(co).c_str(), ratio(cc, co).c_str(), ratio(e, o).c_str(), ratio(ce, co).c_str(),
+                  peak(r, m.key, Impl::Component, rows), s != nullptr ? s->yield : 0,
+                  first ? trips.c_str() : "");
       first = false;
     }
   }
   std::printf(
       "c/ODBC, c/C: the component's time over bare ODBC's and bare Connector/C's for the same statements. "
-      "cpu: this\n"
-      "process's CPU time per call (the server's is not in it). peak KiB: growth of the RSS high-water mark "
-      "over a\n"
-      "run. yield: entities or numbers listed (1 for a member that fills one entity or writes). rt/floor: "
-      "round\n"
-      "trips per call over %s calls beside one per statement that does something.\n",
-      "100");
+      "cpu:\n"
+      "this process's CPU time per call (the server's is not in it). e/ODBC, ecpu/O: the engine alone (the "
+      "same\n"
+      "texts on its recordsets, every field read by name, no entity filled) over bare ODBC, time and CPU. "
+      "peak\n"
+      "KiB: growth of the RSS high-water mark over a run. yield: entities or numbers listed (1 for a member "
+      "that\n"
+      "fills one entity or writes). rt/floor: round trips per call over 100 calls beside one per statement\n"
+      "that does something.\n");
 }
 
 void printRoundTrips(const Results& r) {
@@ -289,12 +297,23 @@ void printWorkloads(const Results& r) {
 
 // How many members meet each target, and which do not.
 void printTargets(const Results& r) {
-  int members = 0, timeOk = 0, cpuOk = 0, flatOk = 0, flatCount = 0, tripsOk = 0;
+  int members = 0, timeOk = 0, cpuOk = 0, flatOk = 0, flatCount = 0, tripsOk = 0, engineOk = 0,
+      engineCpuOk = 0;
+  std::string engineSlow, engineCpuSlow;
   int singleOk = 0, singleCount = 0;
   std::string slow, cpuSlow, notFlat, aboveFloor, singleSlow, hundred;
   for (const Row& m : memberRows(r, false)) {
     ++members;
-    bool t = true, c = true;
+    bool t = true, c = true, et = true, ec = true;
+    for (int rows : r.sizes) {
+      double odbc = medianReal(r, m.key, Impl::Odbc, rows), codbc = medianCpu(r, m.key, Impl::Odbc, rows);
+      et = et && ratioOf(medianReal(r, m.key, Impl::Engine, rows), odbc) <= 1.10;
+      ec = ec && ratioOf(medianCpu(r, m.key, Impl::Engine, rows), codbc) <= 1.10;
+    }
+    engineOk += et;
+    engineCpuOk += ec;
+    if (!et) engineSlow += " " + m.key;
+    if (!ec) engineCpuSlow += " " + m.key;
     for (int rows : sizesOf(r, m.key)) {
       double comp = medianReal(r, m.key, Impl::Component, rows),
              odbc = medianReal(r, m.key, Impl::Odbc, rows);
@@ -343,6 +362,10 @@ void printTargets(const Results& r) {
               slow.empty() ? "" : (": not:" + slow).c_str());
   std::printf("client CPU within 1.10x of bare ODBC:    %2d of %d members at every size%s\n", cpuOk, members,
               cpuSlow.empty() ? "" : (": not:" + cpuSlow).c_str());
+  std::printf("engine alone within 1.10x of bare ODBC: %2d of %d members at every size%s\n", engineOk,
+              members, engineSlow.empty() ? "" : (": not:" + engineSlow).c_str());
+  std::printf("engine alone, CPU within 1.10x:          %2d of %d members at every size%s\n", engineCpuOk,
+              members, engineCpuSlow.empty() ? "" : (": not:" + engineCpuSlow).c_str());
   std::printf("single-row reads within 1.5x Conn/C:     %2d of %d (at %d rows)%s\n", singleOk, singleCount,
               r.sizes.front(), singleSlow.empty() ? "" : (": not:" + singleSlow).c_str());
   std::printf("100-row read over Connector/C (<= 2):   %s\n", hundred.c_str());
@@ -369,7 +392,7 @@ void writeCsv(const Results& r, const std::string& dir) {
     out << "key,class,member,impl,rows,median_us,fastest_us,cpu_median_us,peak_kib,yield,repetitions\n";
     for (bool workloads : {false, true}) {
       for (const Row& m : memberRows(r, workloads)) {
-        for (Impl impl : {Impl::Component, Impl::Odbc, Impl::ConnectorC, Impl::Installed}) {
+        for (Impl impl : {Impl::Component, Impl::Odbc, Impl::ConnectorC, Impl::Installed, Impl::Engine}) {
           std::vector<int> sizes = workloads ? std::vector<int>{r.workloadSize} : sizesOf(r, m.key);
           for (int rows : sizes) {
             const Series* s = r.find(m.key, impl, rows);
@@ -386,7 +409,7 @@ void writeCsv(const Results& r, const std::string& dir) {
   {
     std::ofstream out(dir + "/ratios.csv");
     out << "key,class,member,rows,component_us,odbc_us,connector_c_us,c_over_odbc,c_over_connector_c,"
-           "cpu_c_over_odbc\n";
+           "cpu_c_over_odbc,engine_us,engine_over_odbc,cpu_engine_over_odbc\n";
     for (const Row& m : memberRows(r, false)) {
       for (int rows : sizesOf(r, m.key)) {
         double c = medianReal(r, m.key, Impl::Component, rows), o = medianReal(r, m.key, Impl::Odbc, rows),

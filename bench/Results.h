@@ -8,7 +8,7 @@
 namespace tovrand::bench {
 
 // Who sends a member's statements: the component, or a bare client replaying them.
-enum class Impl { Component, Odbc, ConnectorC, Installed };
+enum class Impl { Component, Odbc, ConnectorC, Installed, Engine };
 const char* implName(Impl impl);
 const char* implLabel(Impl impl);
 

@@ -2,6 +2,7 @@
 // sent through bare ODBC calls (the engine's floor) and bare Connector/C calls (the protocol's floor);
 // round trips per member against the floor; the workloads a site runs. See bench/README.md.
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -152,8 +153,14 @@ VariantPlan capture(DataSet& d, const std::string& label, int expected, int appe
   if (restore) restore(d);
   std::size_t viaC = d.connectorC->runAll(plan.steps);
   if (restore) restore(d);
-  if (viaC != plan.rows) {
-    fatal(what + ": ODBC read " + std::to_string(plan.rows) + " rows, Connector/C " + std::to_string(viaC));
+  std::size_t viaEngine = plan.rows;
+  if (d.engine) {
+    viaEngine = d.engine->runAll(plan.steps);
+    if (restore) restore(d);
+  }
+  if (viaC != plan.rows || viaEngine != plan.rows) {
+    fatal(what + ": ODBC read " + std::to_string(plan.rows) + " rows, Connector/C " + std::to_string(viaC) +
+          ", the engine alone " + std::to_string(viaEngine));
   }
   return plan;
 }
@@ -335,6 +342,56 @@ class PeakProbe {
 };
 
 // ---------------------------------------------------------------------------------------------------
+// Peak memory: one call of every member and baseline, with the allocator handing freed memory back to
+// the system as it does by default, so that the high-water mark over the call is what the call needed.
+
+// Sends one call of the job: the component's or a baseline's.
+std::size_t callOnce(DataSet& d, const Case* c, const Workload* w, Impl impl, int v, const VariantPlan& p) {
+  if (impl == Impl::Component)
+    return (c != nullptr ? c->call(d, *d.objects, v) : w->call(d, *d.objects)).yield;
+  Baseline& b = impl == Impl::ConnectorC ? *d.connectorC : impl == Impl::Engine ? *d.engine : *d.odbc;
+  return b.runAll(impl == Impl::Installed ? p.installed : p.steps);
+}
+
+void measurePeak(DataSet& d, const Case* c, const Workload* w, Impl impl) {
+  CasePlan& plan = c != nullptr ? casePlan(d, *c) : workloadPlan(d, *w);
+  auto restore = [&] {
+    if (c != nullptr && c->restore) c->restore(d, 0);
+    if (w != nullptr && w->restore) w->restore(d);
+  };
+  const VariantPlan& p = plan.variants[0];
+  callOnce(d, c, w, impl, 0, p);  // what the first call of a session learns is not the call's own cost
+  restore();
+  d.objects->messages->take();
+  ::malloc_trim(0);
+  PeakProbe probe;
+  callOnce(d, c, w, impl, 0, p);
+  long grown = probe.growthKiB();
+  restore();
+  if (!d.objects->messages->messages().empty())
+    fatal("a message during the memory pass: " + d.objects->messages->messages()[0].text);
+  Series& s = gResults.series[{c != nullptr ? c->key : w->key, impl, d.rows}];
+  s.peakKiB = grown;
+}
+
+void memoryPass() {
+  for (auto& [rows, d] : gDataSets) {
+    for (const Case& c : cases()) {
+      if (d->appendTablesOnly && !c.addsToWholeTable) continue;
+      std::vector<Impl> impls = {Impl::Component, Impl::Odbc, Impl::ConnectorC};
+      if (!d->appendTablesOnly && d->engine) impls.push_back(Impl::Engine);
+      if (c.addsToWholeTable) impls.push_back(Impl::Installed);
+      for (Impl impl : impls) measurePeak(*d, &c, nullptr, impl);
+    }
+    if (rows == gResults.workloadSize) {
+      for (const Workload& w : workloads()) {
+        for (Impl impl : {Impl::Component, Impl::Odbc, Impl::ConnectorC}) measurePeak(*d, nullptr, &w, impl);
+      }
+    }
+  }
+}
+
+// ---------------------------------------------------------------------------------------------------
 // The timed runs.
 
 struct Job {
@@ -354,7 +411,6 @@ void runJob(benchmark::State& state, const Job& job) {
   int expected = job.c != nullptr ? job.c->expected : 1;
   int variants = static_cast<int>(plan.variants.size());
   std::size_t yielded = 0;
-  PeakProbe probe;
   int v = 0;
   for (auto _ : state) {
     const VariantPlan& p = plan.variants[static_cast<std::size_t>(v)];
@@ -368,7 +424,9 @@ void runJob(benchmark::State& state, const Job& job) {
       }
       yielded = out.yield;
     } else {
-      Baseline& b = job.impl == Impl::ConnectorC ? *d.connectorC : *d.odbc;
+      Baseline& b = job.impl == Impl::ConnectorC ? *d.connectorC
+                    : job.impl == Impl::Engine   ? *d.engine
+                                                 : *d.odbc;
       std::size_t rows = b.runAll(job.impl == Impl::Installed ? p.installed : p.steps);
       if (job.impl != Impl::Installed && rows != p.rows) {
         fatal(label + " via " + b.name() + " read " + std::to_string(rows) + " rows instead of " +
@@ -388,7 +446,6 @@ void runJob(benchmark::State& state, const Job& job) {
     v = (v + 1) % variants;
   }
   Series& s = gResults.series[{job.key(), job.impl, job.rows}];
-  s.peakKiB = std::max(s.peakKiB, probe.growthKiB());
   s.yield = yielded;
   state.counters["yield"] = static_cast<double>(yielded);
 }
@@ -511,13 +568,27 @@ int run(int argc, char** argv) {
   for (auto& [rows, d] : gDataSets) gResults.setupSeconds[rows] = d->setupSeconds;
 
   // Round trips first, on the middle size: every member, 100 calls each; the workloads once each.
-  roundTripPass(*gDataSets.at(gResults.sizes[gResults.sizes.size() / 2]));
-  if (gResults.workloadSize > 0) roundTripWorkloads(*gDataSets.at(gResults.workloadSize));
+  if (std::getenv("TOVRAND_BENCH_NO_ROUND_TRIPS") == nullptr) {
+    roundTripPass(*gDataSets.at(gResults.sizes[gResults.sizes.size() / 2]));
+    if (gResults.workloadSize > 0) roundTripWorkloads(*gDataSets.at(gResults.workloadSize));
+  }
+
+  if (std::getenv("TOVRAND_BENCH_NO_MEMORY") == nullptr) memoryPass();
+  // From here on freed memory is kept for the next call, as a long-running client's heap keeps it: by
+  // default the allocator hands back whatever lies above 128 KiB at the top of the heap after every call,
+  // and the next call faults it in again, page by page (on the machine below some 15 us a page, which
+  // would bury the component's and the baselines' own costs under the virtual machine's).
+  if (std::getenv("TOVRAND_BENCH_DEFAULT_MALLOC") == nullptr) {
+    ::mallopt(M_TRIM_THRESHOLD, 1 << 30);
+    ::mallopt(M_MMAP_THRESHOLD, 32 << 20);
+  }
 
   for (const Case& c : cases()) {
     for (int rows : gResults.sizes) {
-      for (Impl impl : {Impl::Component, Impl::Odbc, Impl::ConnectorC})
+      for (Impl impl : {Impl::Component, Impl::Odbc, Impl::ConnectorC, Impl::Engine}) {
+        if (impl == Impl::Engine && !gDataSets.at(rows)->engine) continue;
         registerJob({&c, nullptr, impl, rows}, minTime, repetitions, false);
+      }
       if (c.addsToWholeTable)
         registerJob({&c, nullptr, Impl::Installed, rows}, minTime, repetitions, rows >= 100000);
     }

@@ -5,6 +5,7 @@
 
 #include "frame/Text.h"
 #include "frame/VbError.h"
+#include "odbc/BoundStatement.h"
 #include "odbc/OdbcApi.h"
 #include "odbc/OdbcConnection.h"
 #include "odbc/ResultRows.h"
@@ -39,81 +40,6 @@ std::string quoted(std::string_view identifier) {
     if (c == '`') out += '`';
   }
   return out + "`";
-}
-
-// A value bound to a statement parameter; its storage stays put until the statement has run.
-struct Parameter {
-  Value value;
-  double number = 0;
-  SQLINTEGER integer = 0;
-  SQL_TIMESTAMP_STRUCT timestamp{};
-  std::u16string wide;
-  SQLLEN indicator = 0;
-};
-
-void bindParameters(SQLHSTMT stmt, std::vector<Parameter>& parameters, TextForm form,
-                    std::string_view secret) {
-  const SQLSMALLINT textC = form == TextForm::Utf8 ? SQL_C_CHAR : SQL_C_WCHAR;
-  const SQLSMALLINT textSql = form == TextForm::Utf8 ? SQL_VARCHAR : SQL_WVARCHAR;
-  for (std::size_t i = 0; i < parameters.size(); ++i) {
-    Parameter& p = parameters[i];
-    auto number = static_cast<SQLUSMALLINT>(i + 1);
-    SQLRETURN rc = SQL_SUCCESS;
-    switch (p.value.type()) {
-      case Value::Type::Empty:
-      case Value::Type::Null:
-        p.indicator = SQL_NULL_DATA;
-        rc =
-            SQLBindParameter(stmt, number, SQL_PARAM_INPUT, textC, textSql, 1, 0, &p.number, 0, &p.indicator);
-        break;
-      case Value::Type::Double:
-        p.number = p.value.dbl();
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_DOUBLE, SQL_DOUBLE, 15, 0, &p.number, 0,
-                              &p.indicator);
-        break;
-      case Value::Type::Integer:
-      case Value::Type::Long:
-      case Value::Type::Boolean:
-        p.integer = p.value.type() == Value::Type::Integer ? p.value.integer()
-                    : p.value.type() == Value::Type::Long  ? p.value.longValue()
-                                                           : (p.value.boolean() ? -1 : 0);
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_SLONG, SQL_INTEGER, 10, 0, &p.integer, 0,
-                              &p.indicator);
-        break;
-      case Value::Type::Date: {
-        DateParts parts = dateParts(p.value.date());
-        p.timestamp.year = static_cast<SQLSMALLINT>(parts.year);
-        p.timestamp.month = static_cast<SQLUSMALLINT>(parts.month);
-        p.timestamp.day = static_cast<SQLUSMALLINT>(parts.day);
-        p.timestamp.hour = static_cast<SQLUSMALLINT>(parts.hour);
-        p.timestamp.minute = static_cast<SQLUSMALLINT>(parts.minute);
-        p.timestamp.second = static_cast<SQLUSMALLINT>(parts.second);
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, 19, 0,
-                              &p.timestamp, 0, &p.indicator);
-        break;
-      }
-      case Value::Type::String: {
-        // The value's own bytes where the driver takes UTF-8; a UTF-16 copy for the wide form.
-        void* data = nullptr;
-        std::size_t units = 0;
-        if (form == TextForm::Utf8) {
-          const std::string& text = p.value.str();
-          data = const_cast<char*>(text.data());
-          p.indicator = static_cast<SQLLEN>(text.size());
-          units = text.size();
-        } else {
-          p.wide = toUtf16(p.value.str());
-          data = p.wide.data();
-          p.indicator = static_cast<SQLLEN>(p.wide.size() * sizeof(char16_t));
-          units = p.wide.size();
-        }
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, textC, textSql, units == 0 ? 1 : units, 0, data,
-                              p.indicator, &p.indicator);
-        break;
-      }
-    }
-    check(rc, SQL_HANDLE_STMT, stmt, "binding a parameter", secret);
-  }
 }
 
 // The value as the column will hold it, raising ADO's multiple-step error when it cannot be converted
@@ -181,15 +107,15 @@ struct OdbcRecordset::Impl {
   std::vector<std::size_t> editKey;                    // the key columns of the row being edited
   bool onAddedRow = false;
   std::vector<Value> addedRow;
-  // Field names as the caller last passed them, to the column each named: a method reads the same
-  // literal names row after row, so most look-ups end at the first candidate.
+  // Field names exactly as callers spelled them, each with the column it names. A method reads the same
+  // names in the same order row after row, so the look-up starts at the spelling after the last one
+  // found and most end at that first candidate.
   struct NameHint {
-    const char* data;
-    std::size_t size;
+    std::string spelling;
     std::size_t index;
   };
   std::vector<NameHint> hints;
-
+  std::size_t nextHint = 0;
   const std::string& secret() const { return connection->secret(); }
   SQLHSTMT handle() const { return stmt.get(); }
   TextForm textForm() const { return connection->textAsUtf8() ? TextForm::Utf8 : TextForm::Wide; }
@@ -200,14 +126,22 @@ struct OdbcRecordset::Impl {
   }
 
   std::size_t column(std::string_view name) {
-    const Columns& cs = *columns;
-    for (const NameHint& h : hints) {
-      if (h.data == name.data() && h.size == name.size() && equalsIgnoreCase(cs[h.index].name, name))
-        return h.index;
+    std::size_t n = hints.size();
+    std::size_t at = nextHint < n ? nextHint : 0;
+    for (std::size_t k = 0; k < n; ++k) {
+      if (hints[at].spelling == name) {
+        nextHint = at + 1;
+        return hints[at].index;
+      }
+      if (++at == n) at = 0;
     }
+    const Columns& cs = *columns;
     for (std::size_t i = 0; i < cs.size(); ++i) {
       if (cs[i].name.size() == name.size() && equalsIgnoreCase(cs[i].name, name)) {
-        if (hints.size() < 64) hints.push_back({name.data(), name.size(), i});
+        if (hints.size() < 64) {
+          hints.push_back({std::string(name), i});
+          nextHint = hints.size();
+        }
         return i;
       }
     }
@@ -222,7 +156,10 @@ struct OdbcRecordset::Impl {
 
   void useColumns(std::shared_ptr<const Columns> described, bool withBaseNames) {
     // The same description as the last open's (a result of the same shape) keeps its name hints.
-    if (described != columns) hints.clear();
+    if (described != columns) {
+      hints.clear();
+      nextHint = 0;
+    }
     columns = std::move(described);
     baseNamesKnown = withBaseNames;
   }
@@ -369,33 +306,10 @@ struct OdbcRecordset::Impl {
     return Handle(SQL_HANDLE_STMT, h);
   }
 
-  // Binds and runs one of the engine's own statements, on a statement this session prepared for the
-  // same text before when there is one: a recordset that adds row after row to a table sends each row
-  // in one round trip.
-  void runEngineStatement(const std::string& sql, std::vector<Parameter>& parameters) {
+  // One of the engine's own statements, reported to the trace as the engine's.
+  void runEngineStatement(const std::string& sql, const std::vector<Value>& values) {
     traceStatement(sql, StatementOrigin::Engine);
-    SQLHDBC dbc = static_cast<SQLHDBC>(connection->nativeHandle());
-    odbc::LentStatement lent = cache().takeStatement(sql);
-    guarded([&] {
-      if (!lent.handle) {
-        SQLHANDLE h = SQL_NULL_HANDLE;
-        check(SQLAllocHandle(SQL_HANDLE_STMT, dbc, &h), SQL_HANDLE_DBC, dbc, "allocating a statement",
-              secret());
-        lent.handle = Handle(SQL_HANDLE_STMT, h);
-        WideText text(sql);
-        check(SQLPrepareW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "preparing a statement",
-              secret());
-      }
-      SQLHSTMT h = lent.handle.get();
-      bindParameters(h, parameters, textForm(), secret());
-      check(SQLExecute(h), SQL_HANDLE_STMT, h, "storing the row", secret());
-    });
-    if (deliveryObserved()) {
-      std::vector<Value> values;
-      for (const Parameter& p : parameters) values.push_back(p.value);
-      reportDelivery(sql, Delivery::BoundWrite, values);
-    }
-    cache().giveBack(sql, std::move(lent));
+    runBoundStatement(*connection, sql, values);
   }
 
   const ColumnInfo& writableColumn(std::size_t index) {
@@ -473,8 +387,8 @@ struct OdbcRecordset::Impl {
     const Columns& cs = *columns;
     std::string table = targetTable();
     std::string names, marks;
-    std::vector<Parameter> parameters;
-    parameters.reserve(changes.size());
+    std::vector<Value> values;
+    values.reserve(changes.size());
     for (auto& [index, value] : changes) {
       if (!names.empty()) {
         names += ", ";
@@ -482,10 +396,9 @@ struct OdbcRecordset::Impl {
       }
       names += quoted(cs[index].baseColumn);
       marks += "?";
-      parameters.emplace_back().value = value;
+      values.push_back(value);
     }
-    runEngineStatement("INSERT INTO " + quoted(table) + " (" + names + ") VALUES (" + marks + ")",
-                       parameters);
+    runEngineStatement("INSERT INTO " + quoted(table) + " (" + names + ") VALUES (" + marks + ")", values);
     addedRow.assign(cs.size(), Value::null());
     for (auto& [index, value] : changes) addedRow[index] = value;
     onAddedRow = true;
@@ -501,21 +414,20 @@ struct OdbcRecordset::Impl {
     const Columns& cs = *columns;
     std::string table = targetTable();
     std::string sets, where;
-    std::vector<Parameter> parameters;
-    parameters.reserve(changes.size() + editKey.size());
+    std::vector<Value> values;
+    values.reserve(changes.size() + editKey.size());
     for (auto& [index, value] : changes) {
       if (!sets.empty()) sets += ", ";
       sets += quoted(cs[index].baseColumn) + "=?";
-      parameters.emplace_back().value = value;
+      values.push_back(value);
     }
     std::vector<Value>& current = currentValues();
     for (std::size_t index : editKey) {
       if (!where.empty()) where += " AND ";
       where += quoted(cs[index].baseColumn) + "=?";
-      parameters.emplace_back().value = current[index];
+      values.push_back(current[index]);
     }
-    runEngineStatement("UPDATE " + quoted(table) + " SET " + sets + " WHERE " + where + " LIMIT 1",
-                       parameters);
+    runEngineStatement("UPDATE " + quoted(table) + " SET " + sets + " WHERE " + where + " LIMIT 1", values);
     for (auto& [index, value] : changes) current[index] = value;
     pending = Pending::None;
     changes.clear();

@@ -43,8 +43,4 @@ void reportDelivery(std::string_view sql, Delivery how, const std::vector<Value>
   }
 }
 
-bool deliveryObserved() {
-  return gObserver.load(std::memory_order_acquire) != nullptr;
-}
-
 }  // namespace tovrand

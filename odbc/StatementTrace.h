@@ -29,7 +29,5 @@ class DeliveryObserver {
 // The process's observer (none by default).
 void setDeliveryObserver(DeliveryObserver* observer);
 void reportDelivery(std::string_view sql, Delivery how, const std::vector<Value>& values = {});
-// Whether anyone observes deliveries (so that the values need not be gathered otherwise).
-bool deliveryObserved();
 
 }  // namespace tovrand
