@@ -116,9 +116,20 @@ std::vector<std::string> largeBill(const DataSet& d) {
   return m;
 }
 
+using Call = std::function<Outcome(DataSet&, Objects&, int)>;
+
+// A member that fills one entity found by the production number of an order in the middle of the table.
+template <class Cls, class Ent>
+Call oneByProdNo(std::unique_ptr<Cls> Objects::*object, std::int16_t (Cls::*member)(Ent&)) {
+  return [object, member](DataSet& d, Objects& o, int v) {
+    Ent e;
+    e.F_ProdNo(d.prodNo(d.middleOrder(v)));
+    return Outcome{((*(o.*object)).*member)(e)};
+  };
+}
+
 std::vector<Case> makeCases() {
   std::vector<Case> all;
-  using Call = std::function<Outcome(DataSet&, Objects&, int)>;
   using Restore = std::function<void(DataSet&, int)>;
   auto add = [&](std::string cls, std::string label, std::string key, int expected, int appendOnlyOpens,
                  bool addsToWholeTable, std::string grows, Call call, Restore restore = {}) {
@@ -145,11 +156,8 @@ std::vector<Case> makeCases() {
         Collection c;
         return listed(o.porder->GetALLChkList(c), c);
       });
-  add("clsDataPOrder", "QueryItem", "porder.QueryItem", 1, 0, false, "", [](DataSet& d, Objects& o, int v) {
-    clsEntPOrder e;
-    e.F_ProdNo(d.prodNo(d.middleOrder(v)));
-    return Outcome{o.porder->QueryItem(e)};
-  });
+  add("clsDataPOrder", "QueryItem", "porder.QueryItem", 1, 0, false, "",
+      oneByProdNo(&Objects::porder, &clsDataPOrder::QueryItem));
   add("clsDataPOrder", "CheckCustProdNo", "porder.CheckCustProdNo", 1, 0, false, "",
       [](DataSet& d, Objects& o, int v) {
         clsEntPOrder e;
@@ -250,11 +258,7 @@ std::vector<Case> makeCases() {
         return Outcome{o.porderchk->QueryAll(e, d.prodNo(d.middleOrder(v)))};
       });
   add("clsDataPOrderChk", "QueryProdNoView", "porderchk.QueryProdNoView", 1, 0, false, "",
-      [](DataSet& d, Objects& o, int v) {
-        clsEntPOrderChk e;
-        e.F_ProdNo(d.prodNo(d.middleOrder(v)));
-        return Outcome{o.porderchk->QueryProdNoView(e)};
-      });
+      oneByProdNo(&Objects::porderchk, &clsDataPOrderChk::QueryProdNoView));
   add("clsDataPOrderChk", "QueryMonthDate", "porderchk.QueryMonthDate", 0, 0, false,
       "its statement reads the whole table for the months", [](DataSet&, Objects& o, int) {
         Collection c;
@@ -286,11 +290,7 @@ std::vector<Case> makeCases() {
         return listed(o.porderchk->QureyDatabase(sql, c), c);
       });
   add("clsDataPOrderChk", "QuerySalerID", "porderchk.QuerySalerID", 1, 0, false, "",
-      [](DataSet& d, Objects& o, int v) {
-        clsEntBOrderh e;
-        e.F_ProdNo(d.prodNo(d.middleOrder(v)));
-        return Outcome{o.porderchk->QuerySalerID(e)};
-      });
+      oneByProdNo(&Objects::porderchk, &clsDataPOrderChk::QuerySalerID));
 
   // clsDataPMrph
   add("clsDataPMrph", "QueryBOrderhRecordset", "pmrph.QueryBOrderhRecordset", 0, 0, false, "",
@@ -305,17 +305,9 @@ std::vector<Case> makeCases() {
         return listed(o.pmrph->QueryPMrphRecordset(c, sql), c);
       });
   add("clsDataPMrph", "QueryPMrphStatus", "pmrph.QueryPMrphStatus", 1, 0, false, "",
-      [](DataSet& d, Objects& o, int v) {
-        clsEntPMrph e;
-        e.F_ProdNo(d.prodNo(d.middleOrder(v)));
-        return Outcome{o.pmrph->QueryPMrphStatus(e)};
-      });
+      oneByProdNo(&Objects::pmrph, &clsDataPMrph::QueryPMrphStatus));
   add("clsDataPMrph", "QueryByItemNo", "pmrph.QueryByItemNo", 1, 0, false, "",
-      [](DataSet& d, Objects& o, int v) {
-        clsEntPMrph e;
-        e.F_ProdNo(d.prodNo(d.middleOrder(v)));
-        return Outcome{o.pmrph->QueryByItemNo(e)};
-      });
+      oneByProdNo(&Objects::pmrph, &clsDataPMrph::QueryByItemNo));
   add("clsDataPMrph", "UpdateRecord", "pmrph.UpdateRecord", 1, 0, false, "",
       [](DataSet& d, Objects& o, int v) {
         clsEntPMrph e = storedHeader(d, d.middleOrder(v));
@@ -342,17 +334,10 @@ std::vector<Case> makeCases() {
     Collection c;
     return listed(o.pmrph->QueryProdNo(c), c);
   });
-  add("clsDataPMrph", "QueryStatus", "pmrph.QueryStatus", 1, 0, false, "", [](DataSet& d, Objects& o, int v) {
-    clsEntPOrder e;
-    e.F_ProdNo(d.prodNo(d.middleOrder(v)));
-    return Outcome{o.pmrph->QueryStatus(e)};
-  });
+  add("clsDataPMrph", "QueryStatus", "pmrph.QueryStatus", 1, 0, false, "",
+      oneByProdNo(&Objects::pmrph, &clsDataPMrph::QueryStatus));
   add("clsDataPMrph", "QueryProdNoRecord", "pmrph.QueryProdNoRecord", 1, 0, false, "",
-      [](DataSet& d, Objects& o, int v) {
-        clsEntPMrph e;
-        e.F_ProdNo(d.prodNo(d.middleOrder(v)));
-        return Outcome{o.pmrph->QueryProdNoRecord(e)};
-      });
+      oneByProdNo(&Objects::pmrph, &clsDataPMrph::QueryProdNoRecord));
   add(
       "clsDataPMrph", "AddRecord1 (3 materials)", "pmrph.AddRecord1", 1, 2, false, "",
       [](DataSet& d, Objects& o, int v) {

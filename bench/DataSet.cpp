@@ -180,23 +180,27 @@ int DataSet::customers() const {
   return std::max(1, rows / 100);
 }
 
-VbDate DataSet::month(int i) const {
-  int back = (i - 1) % 24;
-  int year = 2026, month = 11 - back;
+namespace {
+
+// The year and month of order i: (i - 1) mod 24 months back from November 2026.
+std::pair<int, int> yearMonthOf(int i) {
+  int year = 2026, month = 11 - (i - 1) % 24;
   while (month < 1) {
     month += 12;
     --year;
   }
+  return {year, month};
+}
+
+}  // namespace
+
+VbDate DataSet::month(int i) const {
+  auto [year, month] = yearMonthOf(i);
   return makeDate({year, month, 1, 0, 0, 0});
 }
 
 double DataSet::prodNo(int i) const {
-  int back = (i - 1) % 24;
-  int year = 2026, month = 11 - back;
-  while (month < 1) {
-    month += 12;
-    --year;
-  }
+  auto [year, month] = yearMonthOf(i);
   return (year * 100.0 + month) * 100000.0 + (i - 1) / 24 + 1;
 }
 std::string DataSet::prodNoText(int i) const {

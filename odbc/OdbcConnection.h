@@ -18,11 +18,14 @@ class SessionCache;
 
 // One physical ODBC connection (wide functions only, autocommit, utf8mb4). On connect it refuses a
 // server that runs with lower_case_table_names=0 and, when the settings carry server_date, pins the
-// session's timestamp to noon of that date so that curdate() answers it.
+// session's timestamp to noon of that date so that curdate() answers it. Character data crosses the
+// driver as the session's UTF-8 when the driver is MariaDB Connector/ODBC on a utf8 session (it then
+// hands the bytes over unchanged), else as UTF-16.
 //
 // A lost session (killed, timed out, the server restarted) fails the statement that met it with the
 // driver's error, which the method's handler reports; the connection then reconnects before the next
-// statement anyone sends on it. Nothing is ever re-sent: a statement that failed may have run.
+// statement anyone sends on it. Nothing is ever re-sent: a statement that failed may have run. What
+// the engine remembered of the old session (tables' columns, prepared statements) goes with it.
 //
 // acquire() shares one connection per connection string per process: every holder of the same
 // settings gets the same object, and the physical connection ends when the last reference goes (the
