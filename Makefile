@@ -23,7 +23,8 @@ setup-com:
 	scripts/setup --com
 	scripts/require com
 
-setup-bench: setup
+setup-bench:
+	scripts/setup --bench
 	scripts/require bench
 
 setup-fuzz: setup

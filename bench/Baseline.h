@@ -5,45 +5,42 @@
 #include <string>
 #include <vector>
 
+#include "frame/Value.h"
 #include "odbc/ConnectionSettings.h"
 
 namespace tovrand::bench {
 
-// How a baseline reads one result column: the C type a program that knows the table would ask for.
-enum class ColumnType { Double, Integer, Text };
-
-// One bound parameter of a prepared INSERT or UPDATE, already in the form the client library takes
-// (conversions happen before the timed region: the baselines measure the calls, nothing else).
-struct Param {
-  enum class Kind { Double, Integer, Text, Timestamp };
-  Kind kind = Kind::Double;
-  double number = 0;
-  int integer = 0;
-  std::string text;     // UTF-8, for Connector/C
-  std::u16string wide;  // UTF-16, for ODBC
-  int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+// How a baseline reads one result column: the C type a program that knows the table asks for, and
+// for text the room its longest value needs.
+struct ColumnType {
+  enum class Kind { Double, BigInt, Integer, Text } kind = Kind::Text;
+  std::size_t bytes = 0;
+  std::string name;  // the column's label, for the engine's replay
 };
 
-// A statement as a baseline sends it. The text is the one the method sent (captured from the
-// statement trace); the form is how the method's open form has to reach the server at the least.
+// One statement as a baseline sends it: the text the component sent (taken from what the engine
+// delivered), in the cheapest form that gives the method what it needs.
 struct Step {
   enum class Form {
-    Query,        // read form: run, read every column of every row
-    PrepareOnly,  // updatable open that is only appended to: prepared for its columns, never run
-    Execute,      // statement without a result set
-    Write,        // the engine's INSERT/UPDATE: prepared, parameters bound, run
+    Query,     // run; every column of every row read
+    Execute,   // run; no result
+    Write,     // an INSERT or UPDATE with bound values, prepared once per connection and text
+    Buffered,  // run, and its whole result buffered by the driver, never read: what a keyset cursor
+               // over a whole table costs a client that opens one only to add a row
   };
   Form form = Form::Query;
   std::string sql;
-  std::u16string wide;                    // the same text for the wide ODBC functions
-  std::vector<ColumnType> columns;        // Query: one per result column
-  std::vector<std::string> paramColumns;  // Write: the column each '?' stands for, in order
-  std::vector<Param> params;              // Write: the values, refreshed per call where they change
+  std::u16string wide;              // the same text for the wide ODBC functions
+  std::vector<ColumnType> columns;  // Query: one per result column
+  std::vector<Value> values;        // Write: the bound values, in order
 };
 
-// The floor a method's statements can be sent at through one client library. Every failure is
-// fatal: it prints the server's message and ends the program (a benchmark of a failing call would
-// measure the error path).
+// The statements of one call of a member, in the order they reached the server.
+using Plan = std::vector<Step>;
+
+// The floor a member's statements can be sent at through one client library. Every failure is fatal:
+// it prints the server's message and ends the program (a benchmark of a failing call would measure the
+// error path).
 class Baseline {
  public:
   virtual ~Baseline() = default;
@@ -51,17 +48,23 @@ class Baseline {
   // Sends one step; returns the rows read (0 for anything but a query).
   virtual std::size_t run(const Step& step) = 0;
   // Sends every step in order; returns the rows read in all.
-  std::size_t runAll(const std::vector<Step>& steps) {
+  std::size_t runAll(const Plan& steps) {
     std::size_t rows = 0;
     for (const Step& s : steps) rows += run(s);
     return rows;
   }
 };
 
-// Bare ODBC calls (unixODBC, MariaDB Connector/ODBC) on a connection of their own.
+// Bare ODBC calls (unixODBC, MariaDB Connector/ODBC) on a connection of their own, reading results the
+// way the engine found cheapest (bound columns, text as the session's UTF-8, blocks of rows).
 std::unique_ptr<Baseline> odbcBaseline(const ConnectionSettings& settings);
-// Bare MariaDB Connector/C calls on a connection of their own.
+// Bare MariaDB Connector/C calls on a connection of their own: the text protocol for the method's texts,
+// prepared statements where the engine stores a row.
 std::unique_ptr<Baseline> connectorCBaseline(const ConnectionSettings& settings);
+// The engine alone: each text opened on a recordset of the engine (every field of every row read by
+// name, as a method reads it, but no entity filled), the engine's INSERT and UPDATE run as the engine
+// runs them. What the component costs beyond this is the members' own work.
+std::unique_ptr<Baseline> engineBaseline(const ConnectionSettings& settings);
 
 // The result columns of a query, as the ODBC driver describes them (prepared, not run).
 std::vector<ColumnType> describeQuery(const ConnectionSettings& settings, const std::string& sql);

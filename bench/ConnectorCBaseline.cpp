@@ -1,10 +1,11 @@
-// The protocol's floor: the same statements through bare MariaDB Connector/C calls (text protocol for
-// the method's texts, prepared statements where the engine stores a row).
+// The protocol's floor: the same statements through bare MariaDB Connector/C calls (the text protocol
+// for the method's texts, prepared statements kept per text where the engine stores a row).
 #include <mysql.h>
 
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 
 #include "bench/Baseline.h"
 
@@ -30,7 +31,10 @@ class ConnectorCBaseline final : public Baseline {
       query("SET timestamp = UNIX_TIMESTAMP('" + settings.serverDate + " 12:00:00')");
     }
   }
-  ~ConnectorCBaseline() override { mysql_close(mysql_); }
+  ~ConnectorCBaseline() override {
+    for (auto& [sql, st] : prepared_) mysql_stmt_close(st);
+    mysql_close(mysql_);
+  }
   ConnectorCBaseline(const ConnectorCBaseline&) = delete;
   ConnectorCBaseline& operator=(const ConnectorCBaseline&) = delete;
 
@@ -40,12 +44,8 @@ class ConnectorCBaseline final : public Baseline {
     switch (step.form) {
       case Step::Form::Query:
         return read(step);
-      case Step::Form::PrepareOnly: {
-        MYSQL_STMT* st = prepare(step);
-        mysql_stmt_close(st);
-        return 0;
-      }
       case Step::Form::Execute:
+      case Step::Form::Buffered:
         query(step.sql);
         return 0;
       case Step::Form::Write:
@@ -73,7 +73,7 @@ class ConnectorCBaseline final : public Baseline {
 
   std::size_t read(const Step& step) {
     if (mysql_real_query(mysql_, step.sql.data(), step.sql.size()) != 0) failed("mysql_real_query", step.sql);
-    // Stored, as the ODBC driver stores a forward-only result by default.
+    // Stored, as the ODBC driver stores a forward-only result.
     MYSQL_RES* res = mysql_store_result(mysql_);
     if (res == nullptr) failed("mysql_store_result", step.sql);
     if (mysql_num_fields(res) != step.columns.size()) {
@@ -87,14 +87,15 @@ class ConnectorCBaseline final : public Baseline {
       ++rows;
       for (std::size_t i = 0; i < step.columns.size(); ++i) {
         if (row[i] == nullptr) continue;
-        switch (step.columns[i]) {
-          case ColumnType::Double:
+        switch (step.columns[i].kind) {
+          case ColumnType::Kind::Double:
+          case ColumnType::Kind::BigInt:
             sink_ += std::strtod(row[i], nullptr);
             break;
-          case ColumnType::Integer:
+          case ColumnType::Kind::Integer:
             sink_ += static_cast<double>(std::strtol(row[i], nullptr, 10));
             break;
-          case ColumnType::Text:
+          case ColumnType::Kind::Text:
             sink_ += static_cast<double>(lengths[i]);
             break;
         }
@@ -104,68 +105,78 @@ class ConnectorCBaseline final : public Baseline {
     return rows;
   }
 
-  MYSQL_STMT* prepare(const Step& step) {
-    MYSQL_STMT* st = mysql_stmt_init(mysql_);
+  MYSQL_STMT* prepared(const Step& step) {
+    MYSQL_STMT*& st = prepared_[step.sql];
+    if (st != nullptr) return st;
+    st = mysql_stmt_init(mysql_);
     if (st == nullptr) failed("mysql_stmt_init", step.sql);
     if (mysql_stmt_prepare(st, step.sql.data(), step.sql.size()) != 0) {
-      std::string error = mysql_stmt_error(st);
-      mysql_stmt_close(st);
-      fatal("Connector/C baseline: mysql_stmt_prepare failed: " + error + "\n  statement: " + step.sql);
+      fatal("Connector/C baseline: mysql_stmt_prepare failed: " + std::string(mysql_stmt_error(st)) +
+            "\n  statement: " + step.sql);
     }
     return st;
   }
 
   void write(const Step& step) {
-    if (step.params.size() > kMaxParams) fatal("Connector/C baseline: too many parameters");
-    MYSQL_STMT* st = prepare(step);
-    std::memset(binds_.data(), 0, sizeof(MYSQL_BIND) * step.params.size());
-    for (std::size_t i = 0; i < step.params.size(); ++i) {
-      // Input parameters only: the library reads the buffers, never writes them.
-      Param& p = const_cast<Param&>(step.params[i]);
+    if (step.values.size() > kMaxParams) fatal("Connector/C baseline: too many parameters");
+    MYSQL_STMT* st = prepared(step);
+    std::memset(binds_.data(), 0, sizeof(MYSQL_BIND) * step.values.size());
+    for (std::size_t i = 0; i < step.values.size(); ++i) {
+      const Value& v = step.values[i];
       MYSQL_BIND& b = binds_[i];
-      switch (p.kind) {
-        case Param::Kind::Double:
+      switch (v.type()) {
+        case Value::Type::Double:
+          numbers_[i] = v.dbl();
           b.buffer_type = MYSQL_TYPE_DOUBLE;
-          b.buffer = &p.number;
+          b.buffer = &numbers_[i];
           break;
-        case Param::Kind::Integer:
+        case Value::Type::Integer:
+        case Value::Type::Long:
+          integers_[i] = v.type() == Value::Type::Integer ? v.integer() : v.longValue();
           b.buffer_type = MYSQL_TYPE_LONG;
-          b.buffer = &p.integer;
+          b.buffer = &integers_[i];
           break;
-        case Param::Kind::Text:
-          lengths_[i] = p.text.size();
+        case Value::Type::String: {
+          const std::string& text = v.str();
+          lengths_[i] = text.size();
           b.buffer_type = MYSQL_TYPE_STRING;
-          b.buffer = p.text.data();
-          b.buffer_length = p.text.size();
+          b.buffer = const_cast<char*>(text.data());
+          b.buffer_length = text.size();
           b.length = &lengths_[i];
           break;
-        case Param::Kind::Timestamp: {
+        }
+        case Value::Type::Date: {
+          DateParts parts = dateParts(v.date());
           MYSQL_TIME& t = times_[i];
           std::memset(&t, 0, sizeof t);
-          t.year = static_cast<unsigned>(p.year);
-          t.month = static_cast<unsigned>(p.month);
-          t.day = static_cast<unsigned>(p.day);
-          t.hour = static_cast<unsigned>(p.hour);
-          t.minute = static_cast<unsigned>(p.minute);
-          t.second = static_cast<unsigned>(p.second);
+          t.year = static_cast<unsigned>(parts.year);
+          t.month = static_cast<unsigned>(parts.month);
+          t.day = static_cast<unsigned>(parts.day);
+          t.hour = static_cast<unsigned>(parts.hour);
+          t.minute = static_cast<unsigned>(parts.minute);
+          t.second = static_cast<unsigned>(parts.second);
           t.time_type = MYSQL_TIMESTAMP_DATETIME;
           b.buffer_type = MYSQL_TYPE_DATETIME;
           b.buffer = &t;
           break;
         }
+        default:
+          b.buffer_type = MYSQL_TYPE_NULL;
+          break;
       }
     }
     if (mysql_stmt_bind_param(st, binds_.data()) != 0 || mysql_stmt_execute(st) != 0) {
-      std::string error = mysql_stmt_error(st);
-      mysql_stmt_close(st);
-      fatal("Connector/C baseline: a prepared write failed: " + error + "\n  statement: " + step.sql);
+      fatal("Connector/C baseline: a prepared write failed: " + std::string(mysql_stmt_error(st)) +
+            "\n  statement: " + step.sql);
     }
-    mysql_stmt_close(st);
   }
 
   MYSQL* mysql_;
+  std::map<std::string, MYSQL_STMT*> prepared_;
   std::array<MYSQL_BIND, kMaxParams> binds_{};
   std::array<unsigned long, kMaxParams> lengths_{};
+  std::array<double, kMaxParams> numbers_{};
+  std::array<int, kMaxParams> integers_{};
   std::array<MYSQL_TIME, kMaxParams> times_{};
   double sink_ = 0;  // keeps the reads observable
 };

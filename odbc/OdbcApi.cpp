@@ -183,29 +183,71 @@ int digitsAt(std::string_view text, std::size_t at, std::size_t count) {
 
 }  // namespace
 
-std::vector<ColumnInfo> describeColumns(SQLHSTMT stmt, std::string_view secret, BaseNames baseNames) {
+SQLSMALLINT resultColumnCount(SQLHSTMT stmt, std::string_view secret) {
   SQLSMALLINT count = 0;
   check(SQLNumResultCols(stmt, &count), SQL_HANDLE_STMT, stmt, "reading the result columns", secret);
+  return count;
+}
+
+std::vector<ColumnInfo> describeTypes(SQLHSTMT stmt, SQLSMALLINT count, std::string_view secret) {
   std::vector<ColumnInfo> columns(static_cast<std::size_t>(count));
   for (SQLSMALLINT i = 1; i <= count; ++i) {
     ColumnInfo& c = columns[static_cast<std::size_t>(i - 1)];
-    SQLWCHAR name[512] = {};
     SQLSMALLINT nameLength = 0, decimals = 0, nullable = 0;
-    check(SQLDescribeColW(stmt, static_cast<SQLUSMALLINT>(i), name, 512, &nameLength, &c.sqlType, &c.size,
+    check(SQLDescribeColW(stmt, static_cast<SQLUSMALLINT>(i), nullptr, 0, &nameLength, &c.sqlType, &c.size,
                           &decimals, &nullable),
           SQL_HANDLE_STMT, stmt, "describing a result column", secret);
-    c.name = fromWide(name);
     SQLLEN isUnsigned = SQL_FALSE;
     SQLColAttributeW(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_UNSIGNED, nullptr, 0, nullptr, &isUnsigned);
     c.isUnsigned = isUnsigned == SQL_TRUE;
     c.kind = kindOf(c.sqlType, c.isUnsigned);
-    // Only edits need the base names, and the driver makes each of these attributes expensive.
-    if (baseNames == BaseNames::Skip) continue;
-    c.baseTable = textAttribute(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_BASE_TABLE_NAME);
-    c.baseColumn = textAttribute(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_BASE_COLUMN_NAME);
-    if (!c.baseTable.empty())
-      c.catalog = textAttribute(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_CATALOG_NAME);
   }
+  return columns;
+}
+
+void describeNames(SQLHSTMT stmt, std::vector<ColumnInfo>& columns, std::string_view secret) {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    SQLWCHAR name[512] = {};
+    SQLSMALLINT nameLength = 0, sqlType = 0, decimals = 0, nullable = 0;
+    SQLULEN size = 0;
+    check(SQLDescribeColW(stmt, static_cast<SQLUSMALLINT>(i + 1), name, 512, &nameLength, &sqlType, &size,
+                          &decimals, &nullable),
+          SQL_HANDLE_STMT, stmt, "describing a result column", secret);
+    columns[i].name = fromWide(name);
+  }
+}
+
+void describeBaseNames(SQLHSTMT stmt, std::vector<ColumnInfo>& columns) {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    ColumnInfo& c = columns[i];
+    auto number = static_cast<SQLUSMALLINT>(i + 1);
+    c.baseTable = textAttribute(stmt, number, SQL_DESC_BASE_TABLE_NAME);
+    c.baseColumn = textAttribute(stmt, number, SQL_DESC_BASE_COLUMN_NAME);
+    c.catalog = c.baseTable.empty() ? std::string() : textAttribute(stmt, number, SQL_DESC_CATALOG_NAME);
+  }
+}
+
+bool describesAs(SQLHSTMT stmt, SQLSMALLINT count, const std::vector<ColumnInfo>& columns,
+                 std::string_view secret) {
+  if (static_cast<std::size_t>(count) != columns.size()) return false;
+  for (SQLSMALLINT i = 1; i <= count; ++i) {
+    const ColumnInfo& c = columns[static_cast<std::size_t>(i - 1)];
+    SQLSMALLINT nameLength = 0, sqlType = 0, decimals = 0, nullable = 0;
+    SQLULEN size = 0;
+    check(SQLDescribeColW(stmt, static_cast<SQLUSMALLINT>(i), nullptr, 0, &nameLength, &sqlType, &size,
+                          &decimals, &nullable),
+          SQL_HANDLE_STMT, stmt, "describing a result column", secret);
+    SQLLEN isUnsigned = SQL_FALSE;
+    SQLColAttributeW(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_UNSIGNED, nullptr, 0, nullptr, &isUnsigned);
+    if (sqlType != c.sqlType || size != c.size || (isUnsigned == SQL_TRUE) != c.isUnsigned) return false;
+  }
+  return true;
+}
+
+std::vector<ColumnInfo> describeColumns(SQLHSTMT stmt, std::string_view secret, BaseNames baseNames) {
+  std::vector<ColumnInfo> columns = describeTypes(stmt, resultColumnCount(stmt, secret), secret);
+  describeNames(stmt, columns, secret);
+  if (baseNames == BaseNames::Read) describeBaseNames(stmt, columns);
   return columns;
 }
 
@@ -254,7 +296,8 @@ VbDate parseTemporal(std::string_view text) {
   }
 }
 
-Value readColumn(SQLHSTMT stmt, SQLUSMALLINT number, const ColumnInfo& column, std::string_view secret) {
+Value readColumn(SQLHSTMT stmt, SQLUSMALLINT number, const ColumnInfo& column, std::string_view secret,
+                 TextForm form) {
   SQLLEN indicator = 0;
   switch (column.kind) {
     case ColumnKind::Double: {
@@ -277,9 +320,13 @@ Value readColumn(SQLHSTMT stmt, SQLUSMALLINT number, const ColumnInfo& column, s
     case ColumnKind::Date:
     case ColumnKind::Text: {
       bool isNull = false;
-      std::u16string text = readPieces<char16_t>(stmt, number, SQL_C_WCHAR, isNull, secret);
+      std::string utf8;
+      if (form == TextForm::Utf8) {
+        utf8 = readPieces<char>(stmt, number, SQL_C_CHAR, isNull, secret);
+      } else {
+        utf8 = toUtf8(readPieces<char16_t>(stmt, number, SQL_C_WCHAR, isNull, secret));
+      }
       if (isNull) return Value::null();
-      std::string utf8 = toUtf8(text);
       if (column.kind == ColumnKind::Date) return Value(parseTemporal(utf8));
       return Value(std::move(utf8));
     }

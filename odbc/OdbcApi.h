@@ -110,13 +110,31 @@ struct ColumnInfo {
   ColumnKind kind = ColumnKind::Text;
 };
 
-// The result columns of a prepared or executed statement.
-// Whether the description carries each column's base table, base column and catalog.
+// The result columns of a prepared or executed statement: how many, then each column's type, size and
+// signedness (cheap: no text crosses the driver), its label, and the table and column it comes from.
+// Labels and base names are asked for separately because the driver converts every text it hands
+// out through a new character-set converter, which costs more than the rest of a small read.
+SQLSMALLINT resultColumnCount(SQLHSTMT stmt, std::string_view secret);
+std::vector<ColumnInfo> describeTypes(SQLHSTMT stmt, SQLSMALLINT count, std::string_view secret);
+void describeNames(SQLHSTMT stmt, std::vector<ColumnInfo>& columns, std::string_view secret);
+void describeBaseNames(SQLHSTMT stmt, std::vector<ColumnInfo>& columns);
+// Whether the statement's result has `count` columns of the types, sizes and signedness `columns`
+// describe (labels aside), asking the driver nothing that costs a text conversion.
+bool describesAs(SQLHSTMT stmt, SQLSMALLINT count, const std::vector<ColumnInfo>& columns,
+                 std::string_view secret);
+// Everything above at once.
 enum class BaseNames { Read, Skip };
 std::vector<ColumnInfo> describeColumns(SQLHSTMT stmt, std::string_view secret, BaseNames baseNames);
+
+// How text crosses the driver: as UTF-16 (the wide types every driver offers), or as the session's own
+// UTF-8 bytes where the driver is known to hand them over unchanged, which spares a conversion of every
+// value in each direction.
+enum class TextForm { Wide, Utf8 };
+
 // The value of one column of the fetched row. Temporal columns are fetched as text, because the driver
 // hands the zero datetime 0000-00-00 00:00:00 to SQL_C_TYPE_TIMESTAMP as NULL.
-Value readColumn(SQLHSTMT stmt, SQLUSMALLINT number, const ColumnInfo& column, std::string_view secret);
+Value readColumn(SQLHSTMT stmt, SQLUSMALLINT number, const ColumnInfo& column, std::string_view secret,
+                 TextForm form = TextForm::Wide);
 // "YYYY-MM-DD", "YYYY-MM-DD HH:MM:SS[.fraction]" or "[-]HHH:MM:SS" as a VB date; a date with a zero
 // year, month or day is the VB zero date (plus its time).
 VbDate parseTemporal(std::string_view text);

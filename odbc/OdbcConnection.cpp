@@ -6,6 +6,7 @@
 #include "frame/Text.h"
 #include "odbc/Lock.h"
 #include "odbc/OdbcApi.h"
+#include "odbc/SessionCache.h"
 
 namespace tovrand {
 
@@ -73,8 +74,11 @@ struct OdbcConnection::Impl {
   odbc::Mutex stateMutex;  // around lost, held, calls and lostCause
   odbc::Mutex keysMutex;
   std::map<std::string, std::vector<std::string>> primaryKeys;
+  odbc::SessionCache cache;
+  bool utf8 = false;
 
   ~Impl() {
+    cache.dropStatements();
     if (connected) SQLDisconnect(dbc.get());
     for (Handle& r : retired) SQLDisconnect(r.get());
   }
@@ -102,19 +106,21 @@ struct OdbcConnection::Impl {
 
     // The component writes table names in mixed case (t_porder, T_POrder); a case-sensitive server
     // would silently address tables that do not exist.
-    std::optional<Value> lowerCase = firstValue("select @@lower_case_table_names");
-    if (lowerCase && !lowerCase->isNull() && CStr(*lowerCase) == "0") {
+    std::vector<Value> session = firstRow("select @@lower_case_table_names, @@character_set_results");
+    if (!session.empty() && !session[0].isNull() && CStr(session[0]) == "0") {
       throw VbError(
           vberr::kProviderError,
           "the server runs with lower_case_table_names=0; Tovrand needs lower_case_table_names=1 (table "
           "names are written in mixed case, as on a Windows server): start the server with "
           "--lower-case-table-names=1");
     }
+    utf8 = isMariaDbDriver(h) && session.size() > 1 && !session[1].isNull() &&
+           CStr(session[1]).rfind("utf8", 0) == 0;
     // The driver asked for TLS goes on in plain text when the server offers none: such a session is
     // refused before anything is sent on it.
     if (settings.sslRequired) {
-      std::optional<Value> cipher = firstValue("SHOW SESSION STATUS LIKE 'Ssl_cipher'", true, 2);
-      if (!cipher || cipher->isNull() || CStr(*cipher).empty()) {
+      std::vector<Value> cipher = firstRow("SHOW SESSION STATUS LIKE 'Ssl_cipher'");
+      if (cipher.size() < 2 || cipher[1].isNull() || CStr(cipher[1]).empty()) {
         throw VbError(vberr::kProviderError, "cannot connect to the database " + settings.redacted() +
                                                  ": the server offers no TLS, and the setting asks for an "
                                                  "encrypted session");
@@ -138,6 +144,12 @@ struct OdbcConnection::Impl {
       reconnect = lost;
     }
     if (reconnect) {
+      // The statements prepared on the old session go with it.
+      cache.newSession();
+      {
+        odbc::Guard keys(keysMutex);
+        primaryKeys.clear();
+      }
       if (connected) retired.push_back(std::move(dbc));
       connected = false;
       try {
@@ -187,9 +199,16 @@ struct OdbcConnection::Impl {
     });
   }
 
-  // Column `column` (from 1) of the first row of a query.
-  std::optional<Value> firstValue(std::string_view sql, bool asText = false, std::size_t column = 1) {
-    return guarded([&]() -> std::optional<Value> {
+  std::optional<Value> firstValue(std::string_view sql, bool asText = false) {
+    std::vector<Value> row = firstRow(sql, asText);
+    if (row.empty()) return std::nullopt;
+    return row[0];
+  }
+
+  // The first row of a query run outside the trace; empty when there is none. `asText`: the first
+  // column as the server's text.
+  std::vector<Value> firstRow(std::string_view sql, bool asText = false) {
+    return guarded([&]() -> std::vector<Value> {
       SQLHDBC d = dbc.get();
       SQLHANDLE h = SQL_NULL_HANDLE;
       check(SQLAllocHandle(SQL_HANDLE_STMT, d, &h), SQL_HANDLE_DBC, d, "allocating a statement", secret);
@@ -197,14 +216,27 @@ struct OdbcConnection::Impl {
       WideText text(sql);
       check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a query", secret);
       std::vector<odbc::ColumnInfo> columns = odbc::describeColumns(h, secret, odbc::BaseNames::Skip);
-      if (columns.size() < column) return std::nullopt;
-      odbc::ColumnInfo& wanted = columns[column - 1];
-      if (asText) wanted.kind = odbc::ColumnKind::Text;
+      if (columns.empty()) return {};
+      if (asText) columns[0].kind = odbc::ColumnKind::Text;
       SQLRETURN rc = SQLFetch(h);
-      if (rc == SQL_NO_DATA) return std::nullopt;
+      if (rc == SQL_NO_DATA) return {};
       check(rc, SQL_HANDLE_STMT, h, "fetching a row", secret);
-      return odbc::readColumn(h, static_cast<SQLUSMALLINT>(column), wanted, secret);
+      std::vector<Value> row;
+      for (std::size_t i = 0; i < columns.size(); ++i) {
+        row.push_back(odbc::readColumn(h, static_cast<SQLUSMALLINT>(i + 1), columns[i], secret));
+      }
+      return row;
     });
+  }
+
+  // MariaDB Connector/ODBC hands character data to SQL_C_CHAR buffers in the session's character set
+  // unchanged, and takes it so from them; other drivers may convert to a code page.
+  static bool isMariaDbDriver(SQLHDBC h) {
+    SQLWCHAR name[128] = {};
+    SQLSMALLINT length = 0;
+    if (!SQL_SUCCEEDED(SQLGetInfoW(h, SQL_DRIVER_NAME, name, sizeof name, &length))) return false;
+    std::string driver = toLowerAscii(odbc::fromWide(name));
+    return driver.find("maodbc") != std::string::npos;
   }
 };
 
@@ -281,6 +313,12 @@ bool OdbcConnection::isLost() const {
 }
 const std::string& OdbcConnection::secret() const {
   return impl_->secret;
+}
+odbc::SessionCache& OdbcConnection::sessionCache() {
+  return impl_->cache;
+}
+bool OdbcConnection::textAsUtf8() const {
+  return impl_->utf8;
 }
 
 std::vector<std::string> OdbcConnection::primaryKey(const std::string& catalog, const std::string& table) {

@@ -13,16 +13,23 @@
 
 namespace tovrand {
 
+namespace odbc {
+class SessionCache;
+}
+
 // One physical ODBC connection (wide functions only, autocommit, utf8mb4). On connect it refuses a
 // server that runs with lower_case_table_names=0 and, when the settings carry server_date, pins the
-// session's timestamp to noon of that date so that curdate() answers it.
+// session's timestamp to noon of that date so that curdate() answers it. Character data crosses the
+// driver as the session's UTF-8 when the driver is MariaDB Connector/ODBC on a utf8 session (it then
+// hands the bytes over unchanged), else as UTF-16.
 //
 // A lost session (killed, timed out, the server restarted) fails the statement that met it with the
 // driver's error, which the method's handler reports. Within a call held on the connection
 // (beginCall/endCall: a member that goes on after one of its routines has handled an error) every
 // later statement of that call fails with the same error, without reaching the server; the next
 // statement after the call, or the next statement at all outside such a call, opens a new session
-// first. Nothing is ever re-sent: a statement that failed may have run.
+// first. Nothing is ever re-sent: a statement that failed may have run. What the engine remembered of
+// the old session (tables' columns, prepared statements) goes with it.
 //
 // acquire() shares one connection per connection string per process: every holder of the same
 // settings gets the same object, and the physical connection ends when the last reference goes (the
@@ -63,6 +70,12 @@ class OdbcConnection final : public Connection {
   void beginCall() override;
   void endCall() override;
   std::vector<std::string> primaryKey(const std::string& catalog, const std::string& table);
+  // What the engine remembers of this session (tables' columns, result names, prepared statements);
+  // forgotten whenever a new session begins.
+  odbc::SessionCache& sessionCache();
+  // Whether text crosses the driver as the session's UTF-8 (MariaDB Connector/ODBC on a utf8mb4
+  // session) rather than as UTF-16.
+  bool textAsUtf8() const;
   // The text no message may show (the password).
   const std::string& secret() const;
 

@@ -5,8 +5,12 @@
 
 #include "frame/Text.h"
 #include "frame/VbError.h"
+#include "odbc/BoundStatement.h"
 #include "odbc/OdbcApi.h"
 #include "odbc/OdbcConnection.h"
+#include "odbc/ResultRows.h"
+#include "odbc/SessionCache.h"
+#include "odbc/SqlShape.h"
 #include "odbc/StatementTrace.h"
 
 namespace tovrand {
@@ -14,7 +18,9 @@ namespace tovrand {
 using odbc::check;
 using odbc::ColumnInfo;
 using odbc::ColumnKind;
+using odbc::Columns;
 using odbc::Handle;
+using odbc::TextForm;
 using odbc::WideText;
 
 namespace {
@@ -34,67 +40,6 @@ std::string quoted(std::string_view identifier) {
     if (c == '`') out += '`';
   }
   return out + "`";
-}
-
-// A value bound to a statement parameter; its storage stays put until the statement has run.
-struct Parameter {
-  Value value;
-  double number = 0;
-  SQLINTEGER integer = 0;
-  SQL_TIMESTAMP_STRUCT timestamp{};
-  std::u16string text;
-  SQLLEN indicator = 0;
-};
-
-void bindParameters(SQLHSTMT stmt, std::vector<Parameter>& parameters, std::string_view secret) {
-  for (std::size_t i = 0; i < parameters.size(); ++i) {
-    Parameter& p = parameters[i];
-    auto number = static_cast<SQLUSMALLINT>(i + 1);
-    SQLRETURN rc = SQL_SUCCESS;
-    switch (p.value.type()) {
-      case Value::Type::Empty:
-      case Value::Type::Null:
-        p.indicator = SQL_NULL_DATA;
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WVARCHAR, 1, 0, p.text.data(),
-                              0, &p.indicator);
-        break;
-      case Value::Type::Double:
-        p.number = p.value.dbl();
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_DOUBLE, SQL_DOUBLE, 15, 0, &p.number, 0,
-                              &p.indicator);
-        break;
-      case Value::Type::Integer:
-      case Value::Type::Long:
-      case Value::Type::Boolean:
-        p.integer = p.value.type() == Value::Type::Integer ? p.value.integer()
-                    : p.value.type() == Value::Type::Long  ? p.value.longValue()
-                                                           : (p.value.boolean() ? -1 : 0);
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_SLONG, SQL_INTEGER, 10, 0, &p.integer, 0,
-                              &p.indicator);
-        break;
-      case Value::Type::Date: {
-        DateParts parts = dateParts(p.value.date());
-        p.timestamp.year = static_cast<SQLSMALLINT>(parts.year);
-        p.timestamp.month = static_cast<SQLUSMALLINT>(parts.month);
-        p.timestamp.day = static_cast<SQLUSMALLINT>(parts.day);
-        p.timestamp.hour = static_cast<SQLUSMALLINT>(parts.hour);
-        p.timestamp.minute = static_cast<SQLUSMALLINT>(parts.minute);
-        p.timestamp.second = static_cast<SQLUSMALLINT>(parts.second);
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, 19, 0,
-                              &p.timestamp, 0, &p.indicator);
-        break;
-      }
-      case Value::Type::String: {
-        p.text = toUtf16(p.value.str());
-        p.indicator = static_cast<SQLLEN>(p.text.size() * sizeof(char16_t));
-        SQLULEN size = p.text.empty() ? 1 : p.text.size();
-        rc = SQLBindParameter(stmt, number, SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WVARCHAR, size, 0,
-                              p.text.data(), p.indicator, &p.indicator);
-        break;
-      }
-    }
-    check(rc, SQL_HANDLE_STMT, stmt, "binding a parameter", secret);
-  }
 }
 
 // The value as the column will hold it, raising ADO's multiple-step error when it cannot be converted
@@ -143,65 +88,176 @@ struct OdbcRecordset::Impl {
 
   std::shared_ptr<OdbcConnection> connection;  // declared before stmt: outlives it
   Handle stmt;
-  std::vector<ColumnInfo> columns;
+  std::string source;
+  std::shared_ptr<const Columns> columns = std::make_shared<const Columns>();
+  bool baseNamesKnown = false;
+  // The table a keyset open selects whole; its columns are then known without asking the server.
+  std::optional<std::string> wholeTable;
+  odbc::ResultRows rows;
   bool open = false;
   bool updatable = false;
   bool executed = false;
   bool bof = true;
   bool eof = true;
+  // The current row's values, held once an edit needs them (the rows' buffers move on at the next fetch).
   std::vector<Value> row;
+  bool rowHeld = false;
   Pending pending = Pending::None;
   std::vector<std::pair<std::size_t, Value>> changes;  // in the order first assigned
   std::vector<std::size_t> editKey;                    // the key columns of the row being edited
   bool onAddedRow = false;
   std::vector<Value> addedRow;
-
+  // Field names exactly as callers spelled them, each with the column it names. A method reads the same
+  // names in the same order row after row, so the look-up starts at the spelling after the last one
+  // found and most end at that first candidate.
+  struct NameHint {
+    std::string spelling;
+    std::size_t index;
+  };
+  std::vector<NameHint> hints;
+  std::size_t nextHint = 0;
   const std::string& secret() const { return connection->secret(); }
   SQLHSTMT handle() const { return stmt.get(); }
+  TextForm textForm() const { return connection->textAsUtf8() ? TextForm::Utf8 : TextForm::Wide; }
+  odbc::SessionCache& cache() { return connection->sessionCache(); }
 
   void requireOpen() const {
     if (!open) raise(vberr::kObjectClosed);
   }
 
-  std::size_t column(std::string_view name) const {
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      if (equalsIgnoreCase(columns[i].name, name)) return i;
+  std::size_t column(std::string_view name) {
+    std::size_t n = hints.size();
+    std::size_t at = nextHint < n ? nextHint : 0;
+    for (std::size_t k = 0; k < n; ++k) {
+      if (hints[at].spelling == name) {
+        nextHint = at + 1;
+        return hints[at].index;
+      }
+      if (++at == n) at = 0;
+    }
+    const Columns& cs = *columns;
+    for (std::size_t i = 0; i < cs.size(); ++i) {
+      if (cs[i].name.size() == name.size() && equalsIgnoreCase(cs[i].name, name)) {
+        if (hints.size() < 64) {
+          hints.push_back({std::string(name), i});
+          nextHint = hints.size();
+        }
+        return i;
+      }
+    }
+    // A whole table's columns as this session learned them: the table may have gained the column
+    // since. The server describes the text once more (no rows are read) before the name is refused.
+    if (wholeTable && !stmt) {
+      guarded([&] { learnWholeTable(); });
+      return column(name);
     }
     raise(vberr::kItemNotFound);
   }
 
+  void useColumns(std::shared_ptr<const Columns> described, bool withBaseNames) {
+    // The same description as the last open's (a result of the same shape) keeps its name hints.
+    if (described != columns) {
+      hints.clear();
+      nextHint = 0;
+    }
+    columns = std::move(described);
+    baseNamesKnown = withBaseNames;
+  }
+
   void fetch() {
-    guarded([&] { fetchRow(); });
+    guarded([&] {
+      rowHeld = false;
+      eof = !rows.fetch();
+    });
   }
 
-  void fetchRow() {
-    SQLRETURN rc = SQLFetch(handle());
-    if (rc == SQL_NO_DATA) {
-      eof = true;
-      row.clear();
-      return;
-    }
-    check(rc, SQL_HANDLE_STMT, handle(), "fetching a row", secret());
-    row.clear();
-    row.reserve(columns.size());
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      row.push_back(odbc::readColumn(handle(), static_cast<SQLUSMALLINT>(i + 1), columns[i], secret()));
-    }
-    eof = false;
-  }
-
-  void fetchFirst() {
+  void startRows() {
+    rows.start(handle(), columns, textForm(), secret());
     executed = true;
     bof = false;
     fetch();
     if (eof) bof = true;
   }
 
+  // The columns of the executed statement's result: taken from an earlier result of the same shape when
+  // the driver describes the same types (asking for types costs little, labels much), else described.
+  std::shared_ptr<const Columns> resultColumns(SQLSMALLINT count) {
+    std::string shape = odbc::resultShapeOf(source);
+    if (auto known = cache().resultColumns(shape);
+        known && odbc::describesAs(handle(), count, *known, secret())) {
+      return known;
+    }
+    auto described =
+        std::make_shared<const Columns>(odbc::describeColumns(handle(), secret(), odbc::BaseNames::Skip));
+    cache().rememberResultColumns(shape, described);
+    return described;
+  }
+
+  // Runs the text now and makes its first row current; a statement without a result leaves the
+  // recordset closed.
+  void runNow() {
+    stmt = newStatement();
+    WideText text(source);
+    check(SQLExecDirectW(handle(), text.get(), text.length()), SQL_HANDLE_STMT, handle(), "running the query",
+          secret());
+    SQLSMALLINT count = odbc::resultColumnCount(handle(), secret());
+    if (count == 0) {
+      reportDelivery(source, Delivery::NoResult);
+      close();
+      return;
+    }
+    useColumns(resultColumns(count), false);
+    reportDelivery(source, Delivery::Rows);
+    startRows();
+    open = true;
+  }
+
+  // A keyset open of a whole table: its columns from what this session learned of the table, or, the
+  // first time, from the server's preparation of the text (which then runs it if rows are wanted).
+  void openWholeTable() {
+    if (auto known = cache().tableColumns(*wholeTable)) {
+      useColumns(std::move(known), true);
+      open = true;
+      return;
+    }
+    learnWholeTable();
+    open = true;
+  }
+
+  // Prepares the text (the server describes its columns and reads no row) and remembers the columns
+  // for the table; the prepared statement runs it if rows are wanted.
+  void learnWholeTable() {
+    stmt = newStatement();
+    WideText text(source);
+    check(SQLPrepareW(handle(), text.get(), text.length()), SQL_HANDLE_STMT, handle(), "preparing the query",
+          secret());
+    auto described =
+        std::make_shared<Columns>(odbc::describeColumns(handle(), secret(), odbc::BaseNames::Read));
+    cache().rememberTableColumns(*wholeTable, described);
+    useColumns(std::move(described), true);
+  }
+
   void ensureExecuted() {
     if (executed) return;
     guarded([&] {
-      check(SQLExecute(handle()), SQL_HANDLE_STMT, handle(), "running the query", secret());
-      fetchFirst();
+      if (stmt) {
+        check(SQLExecute(handle()), SQL_HANDLE_STMT, handle(), "running the query", secret());
+      } else {
+        stmt = newStatement();
+        WideText text(source);
+        check(SQLExecDirectW(handle(), text.get(), text.length()), SQL_HANDLE_STMT, handle(),
+              "running the query", secret());
+        // The table may have changed since its columns were learned: a result of another shape is
+        // described anew, and learned again.
+        if (!odbc::describesAs(handle(), odbc::resultColumnCount(handle(), secret()), *columns, secret())) {
+          auto described =
+              std::make_shared<Columns>(odbc::describeColumns(handle(), secret(), odbc::BaseNames::Read));
+          cache().rememberTableColumns(*wholeTable, described);
+          useColumns(std::move(described), true);
+        }
+      }
+      reportDelivery(source, Delivery::Rows);
+      startRows();
     });
   }
 
@@ -223,7 +279,22 @@ struct OdbcRecordset::Impl {
     return !bof && !eof;
   }
 
-  std::vector<Value>& currentValues() { return onAddedRow ? addedRow : row; }
+  Value currentValue(std::size_t index) const {
+    if (onAddedRow) return addedRow[index];
+    if (rowHeld) return row[index];
+    return rows.value(index);
+  }
+
+  // The current row's values, held so that an edit can change them.
+  std::vector<Value>& currentValues() {
+    if (onAddedRow) return addedRow;
+    if (!rowHeld) {
+      row.clear();
+      for (std::size_t i = 0; i < columns->size(); ++i) row.push_back(rows.value(i));
+      rowHeld = true;
+    }
+    return row;
+  }
 
   Handle newStatement() {
     SQLHDBC dbc = static_cast<SQLHDBC>(connection->nativeHandle());
@@ -235,22 +306,23 @@ struct OdbcRecordset::Impl {
     return Handle(SQL_HANDLE_STMT, h);
   }
 
-  // Prepares, binds and runs one of the engine's own statements.
-  void runEngineStatement(const std::string& sql, std::vector<Parameter>& parameters) {
-    Handle s = newStatement();
-    // Reported once it is certain to go out: a held call that lost its session sends nothing.
+  // One of the engine's own statements, reported to the trace as the engine's once it is certain to go
+  // out: a held call that lost its session sends nothing.
+  void runEngineStatement(const std::string& sql, const std::vector<Value>& values) {
+    connection->nativeHandle();
     traceStatement(sql, StatementOrigin::Engine);
-    WideText text(sql);
-    guarded([&] {
-      check(SQLPrepareW(s.get(), text.get(), text.length()), SQL_HANDLE_STMT, s.get(),
-            "preparing a statement", secret());
-      bindParameters(s.get(), parameters, secret());
-      check(SQLExecute(s.get()), SQL_HANDLE_STMT, s.get(), "storing the row", secret());
-    });
+    runBoundStatement(*connection, sql, values);
   }
 
-  const ColumnInfo& writableColumn(std::size_t index) const {
-    const ColumnInfo& c = columns[index];
+  const ColumnInfo& writableColumn(std::size_t index) {
+    if (!baseNamesKnown) {
+      // A text that is not a whole table learns where its columns come from when it is first edited.
+      auto described = std::make_shared<Columns>(*columns);
+      guarded([&] { odbc::describeBaseNames(handle(), *described); });
+      columns = std::move(described);
+      baseNamesKnown = true;
+    }
+    const ColumnInfo& c = (*columns)[index];
     if (c.baseTable.empty() || c.baseColumn.empty()) {
       throw VbError(vberr::kProviderError,
                     "the field " + c.name + " is not a column of a table and cannot be assigned");
@@ -259,13 +331,13 @@ struct OdbcRecordset::Impl {
   }
 
   // The one table the assigned columns belong to.
-  std::string targetTable(std::string& catalog) const {
+  std::string targetTable() const {
+    const Columns& cs = *columns;
     std::string table;
     for (auto& [index, value] : changes) {
-      const ColumnInfo& c = columns[index];
+      const ColumnInfo& c = cs[index];
       if (table.empty()) {
         table = c.baseTable;
-        catalog = c.catalog;
       } else if (!equalsIgnoreCase(table, c.baseTable)) {
         throw VbError(vberr::kProviderError, "the assigned fields belong to more than one table (" + table +
                                                  ", " + c.baseTable +
@@ -273,11 +345,8 @@ struct OdbcRecordset::Impl {
       }
     }
     if (table.empty()) {
-      for (const ColumnInfo& c : columns) {
-        if (!c.baseTable.empty()) {
-          catalog = c.catalog;
-          return c.baseTable;
-        }
+      for (const ColumnInfo& c : cs) {
+        if (!c.baseTable.empty()) return c.baseTable;
       }
       throw VbError(vberr::kProviderError, "the recordset has no column of a table to store a row into");
     }
@@ -292,16 +361,16 @@ struct OdbcRecordset::Impl {
                     "the table " + c.baseTable +
                         " has no primary key, so its rows cannot be edited through a recordset");
     }
+    const Columns& cs = *columns;
     std::vector<std::size_t> indexes;
     for (const std::string& k : key) {
-      std::size_t found = columns.size();
-      for (std::size_t i = 0; i < columns.size() && found == columns.size(); ++i) {
-        if (equalsIgnoreCase(columns[i].baseTable, c.baseTable) &&
-            equalsIgnoreCase(columns[i].baseColumn, k)) {
+      std::size_t found = cs.size();
+      for (std::size_t i = 0; i < cs.size() && found == cs.size(); ++i) {
+        if (equalsIgnoreCase(cs[i].baseTable, c.baseTable) && equalsIgnoreCase(cs[i].baseColumn, k)) {
           found = i;
         }
       }
-      if (found == columns.size()) {
+      if (found == cs.size()) {
         throw VbError(vberr::kProviderError, "the recordset does not hold the key column " + k +
                                                  " of the table " + c.baseTable +
                                                  ", so its rows cannot be edited");
@@ -317,23 +386,22 @@ struct OdbcRecordset::Impl {
   }
 
   void storeNew() {
-    std::string catalog;
-    std::string table = targetTable(catalog);
+    const Columns& cs = *columns;
+    std::string table = targetTable();
     std::string names, marks;
-    std::vector<Parameter> parameters;
-    parameters.reserve(changes.size());
+    std::vector<Value> values;
+    values.reserve(changes.size());
     for (auto& [index, value] : changes) {
       if (!names.empty()) {
         names += ", ";
         marks += ", ";
       }
-      names += quoted(columns[index].baseColumn);
+      names += quoted(cs[index].baseColumn);
       marks += "?";
-      parameters.emplace_back().value = value;
+      values.push_back(value);
     }
-    runEngineStatement("INSERT INTO " + quoted(table) + " (" + names + ") VALUES (" + marks + ")",
-                       parameters);
-    addedRow.assign(columns.size(), Value::null());
+    runEngineStatement("INSERT INTO " + quoted(table) + " (" + names + ") VALUES (" + marks + ")", values);
+    addedRow.assign(cs.size(), Value::null());
     for (auto& [index, value] : changes) addedRow[index] = value;
     onAddedRow = true;
     pending = Pending::None;
@@ -345,24 +413,23 @@ struct OdbcRecordset::Impl {
       pending = Pending::None;
       return;
     }
-    std::string catalog;
-    std::string table = targetTable(catalog);
+    const Columns& cs = *columns;
+    std::string table = targetTable();
     std::string sets, where;
-    std::vector<Parameter> parameters;
-    parameters.reserve(changes.size() + editKey.size());
+    std::vector<Value> values;
+    values.reserve(changes.size() + editKey.size());
     for (auto& [index, value] : changes) {
       if (!sets.empty()) sets += ", ";
-      sets += quoted(columns[index].baseColumn) + "=?";
-      parameters.emplace_back().value = value;
+      sets += quoted(cs[index].baseColumn) + "=?";
+      values.push_back(value);
     }
     std::vector<Value>& current = currentValues();
     for (std::size_t index : editKey) {
       if (!where.empty()) where += " AND ";
-      where += quoted(columns[index].baseColumn) + "=?";
-      parameters.emplace_back().value = current[index];
+      where += quoted(cs[index].baseColumn) + "=?";
+      values.push_back(current[index]);
     }
-    runEngineStatement("UPDATE " + quoted(table) + " SET " + sets + " WHERE " + where + " LIMIT 1",
-                       parameters);
+    runEngineStatement("UPDATE " + quoted(table) + " SET " + sets + " WHERE " + where + " LIMIT 1", values);
     for (auto& [index, value] : changes) current[index] = value;
     pending = Pending::None;
     changes.clear();
@@ -376,12 +443,13 @@ struct OdbcRecordset::Impl {
 
   void close() {
     discard();
+    rows.reset();
     stmt.reset();
     connection.reset();
-    columns.clear();
+    wholeTable.reset();
     row.clear();
     addedRow.clear();
-    open = updatable = executed = onAddedRow = false;
+    open = updatable = executed = onAddedRow = rowHeld = false;
     bof = eof = true;
   }
 };
@@ -409,32 +477,19 @@ void OdbcRecordset::Open(const std::string& source, const std::shared_ptr<Connec
   m.close();
   m.connection = odbcConnection;
   m.updatable = isUpdatableLock(LockType);
-  m.stmt = m.newStatement();
-  SQLHSTMT h = m.handle();
-  WideText text(source);
+  m.source = source;
+  // Reported once the session is known to be there (reopened if it was lost): a held call that lost
+  // its session sends nothing more.
+  m.connection->nativeHandle();
   traceStatement(source, StatementOrigin::Method);
   try {
     m.guarded([&] {
-      if (m.updatable) {
-        check(SQLPrepareW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "preparing the query",
-              m.secret());
-        m.columns = odbc::describeColumns(h, m.secret(), odbc::BaseNames::Read);
-        if (m.columns.empty()) {
-          check(SQLExecute(h), SQL_HANDLE_STMT, h, "running the statement", m.secret());
-          m.close();
-          return;
-        }
+      if (m.updatable) m.wholeTable = odbc::wholeTableOf(source);
+      if (m.wholeTable) {
+        m.openWholeTable();
       } else {
-        check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running the query",
-              m.secret());
-        m.columns = odbc::describeColumns(h, m.secret(), odbc::BaseNames::Skip);
-        if (m.columns.empty()) {
-          m.close();
-          return;
-        }
-        m.fetchFirst();
+        m.runNow();
       }
-      m.open = true;
     });
   } catch (...) {
     m.close();
@@ -473,7 +528,7 @@ Value OdbcRecordset::getField(std::string_view name) {
     if (m.pending == Impl::Pending::New) return Value::null();
   }
   if (!m.hasCurrentRow()) raise(vberr::kNoCurrentRecord);
-  return m.currentValues()[index];
+  return m.currentValue(index);
 }
 
 void OdbcRecordset::setField(std::string_view name, const Value& value) {
@@ -507,7 +562,7 @@ void OdbcRecordset::MoveNext() {
     m.executed = true;
     m.bof = false;
     m.eof = true;
-    m.row.clear();
+    m.rowHeld = false;
     return;
   }
   m.ensureExecuted();

@@ -1,5 +1,6 @@
 #include "odbc/StatementTrace.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -22,12 +23,24 @@ void appendToFile(const char* path, std::string_view sql, StatementOrigin origin
   }
 }
 
+std::atomic<DeliveryObserver*> gObserver{nullptr};
+
 }  // namespace
 
 void traceStatement(std::string_view sql, StatementOrigin origin) {
   if (TraceSink* sink = traceSink()) sink->statement(sql, origin);
   const char* path = std::getenv("TOVRAND_TRACE");
   if (path != nullptr && *path != '\0') appendToFile(path, sql, origin);
+}
+
+void setDeliveryObserver(DeliveryObserver* observer) {
+  gObserver.store(observer, std::memory_order_release);
+}
+
+void reportDelivery(std::string_view sql, Delivery how, const std::vector<Value>& values) {
+  if (DeliveryObserver* observer = gObserver.load(std::memory_order_acquire)) {
+    observer->delivered(sql, how, values);
+  }
 }
 
 }  // namespace tovrand

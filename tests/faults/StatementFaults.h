@@ -55,6 +55,10 @@ class StatementFaults : public DatabaseTest {
     std::vector<TracedStatement> statements;
     std::vector<TableContents> before;  // before[i]: the tables just before statements[i] went out
     TableContents after;
+    // reachesServer[i]: how many statements are traced when the first one sent after statements[i] was
+    // traced reaches the server (a whole table opened only to add rows to it stays with the engine, so
+    // a session cut before it is met by a later statement); 0 when nothing reaches the server after it.
+    std::vector<std::size_t> metAt;
   };
   Reference referenceRun(const WritingMember& member);
 

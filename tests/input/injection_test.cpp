@@ -102,6 +102,9 @@ TEST_F(StoredText, AStoredMaterialNumberWidensTheReleaseConditionButStaysOneStat
   EXPECT_EQ(trace().methodStatements(),
             (std::vector<std::string>{
                 "Select * From T_PMrpi Where F_ProdNo='2026100003'",
+                // The order's two unreserved lines first: nothing of theirs to release.
+                "SELECT * FROM T_WStockQtys WHERE F_ProdNo=2026100003 and  F_ItemNo='RM-2001'",
+                "SELECT * FROM T_WStockQtys WHERE F_ProdNo=2026100003 and  F_ItemNo='RM-2006'",
                 "SELECT * FROM T_WStockQtys WHERE F_ProdNo=2026100003 and  F_ItemNo='x' or '1'='1'",
                 "Delete FROM T_WStockQtys WHERE F_ProdNo=2026100003 and  F_ItemNo='x' or '1'='1'",
                 "SELECT * FROM T_WStockQtyh WHERE F_ItemNo='x' or '1'='1'",
