@@ -40,15 +40,22 @@ Value convertTo(PropertyType type, const Value& v) {
 }
 
 NativeStore::NativeStore(const EntityClass& cls)
-    : cls_(cls), values_(std::make_unique<Value[]>(cls.properties.size())) {
-  for (std::size_t i = 0; i < cls.properties.size(); ++i) values_[i] = initialValue(cls.properties[i].type);
-}
+    : cls_(cls), values_(std::make_unique<Value[]>(cls.properties.size())) {}
 
 Value NativeStore::get(std::size_t index) {
-  return values_[index];
+  const Value& held = values_[index];
+  if (held.isEmpty() && !initialized_) return initialValue(cls_.properties[index].type);
+  return held;
 }
 
 void NativeStore::put(std::size_t index, const Value& v) {
+  if (v.isEmpty() && !initialized_) {
+    // Empty now stands for itself: every property not yet assigned takes its initial value first.
+    for (std::size_t i = 0; i < cls_.properties.size(); ++i) {
+      if (values_[i].isEmpty()) values_[i] = initialValue(cls_.properties[i].type);
+    }
+    initialized_ = true;
+  }
   values_[index] = v;
 }
 

@@ -50,7 +50,10 @@ class EntityStore {
   virtual void put(std::size_t index, const Value& v) = 0;
 };
 
-// An in-process store: one Value per property, starting at the type's initial value.
+// An in-process store: one Value per property, starting at the type's initial value. A list fills
+// thousands of entities and assigns few of their properties, so an unassigned property is held as Empty
+// and read as its initial value; only a store that is assigned Empty itself (a copy of a caller's object)
+// holds every initial value.
 class NativeStore final : public EntityStore {
  public:
   explicit NativeStore(const EntityClass& cls);
@@ -61,6 +64,7 @@ class NativeStore final : public EntityStore {
  private:
   const EntityClass& cls_;
   std::unique_ptr<Value[]> values_;
+  bool initialized_ = false;  // every property holds its value, Empty included
 };
 
 // A reference to an entity object (as a VB object variable is): copies refer to the same object.

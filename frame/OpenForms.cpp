@@ -20,7 +20,10 @@ void openStatement(Recordset& rs, const std::string& sql, const std::shared_ptr<
 }
 
 Value fieldOr(Recordset& rs, std::string_view name, const Value& fallback) {
-  return IIfNull(rs.Fields(name).value(), fallback);
+  // The field's value is handed on, not copied: text fields are read once per row in every list.
+  Value v = rs.Fields(name).value();
+  if (v.isNull()) return fallback;
+  return v;
 }
 
 }  // namespace tovrand

@@ -308,6 +308,15 @@ bool IsEmpty(const Value& v) {
 
 std::string CStr(double v) {
   if (v == 0.0) return "0";
+  // A whole number of at most 15 digits is its digits under %.15G (no exponent, no point): production
+  // numbers and quantities, read row after row, skip the general formatter.
+  if (std::fabs(v) < 1e15 && v == std::trunc(v)) {
+    std::array<char, 24> digits{};
+    const auto [end, ec] =
+        std::to_chars(digits.data(), digits.data() + digits.size(), static_cast<long long>(v));
+    (void)ec;
+    return std::string(digits.data(), end);
+  }
   std::array<char, 64> buffer{};
   const int n = std::snprintf(buffer.data(), buffer.size(), "%.15G", v);
   return std::string(buffer.data(), static_cast<std::size_t>(n));
@@ -384,11 +393,22 @@ std::optional<VbDate> parseDateText(std::string_view text) {
   const std::string_view s = trimBlanks(text);
   if (s.empty()) return std::nullopt;
   DateParts parts;
-  if (s.find_first_of("-/") == std::string_view::npos) {
+  // One pass finds both what makes the text a date and where its time starts: lists convert a text
+  // to a date row after row.
+  bool dated = false;
+  std::size_t blank = std::string_view::npos;
+  for (std::size_t i = 0; i < s.size(); ++i) {
+    const char c = s[i];
+    if (c == '-' || c == '/') {
+      dated = true;
+    } else if ((c == ' ' || c == '\t') && blank == std::string_view::npos) {
+      blank = i;
+    }
+  }
+  if (!dated) {
     if (!parseTime(s, parts)) return std::nullopt;
     return VbDate{static_cast<double>(parts.hour * 3600 + parts.minute * 60 + parts.second) / kSecondsPerDay};
   }
-  const std::size_t blank = s.find_first_of(" \t");
   const std::string_view datePart = s.substr(0, blank);
   if (!parseDate(datePart, parts)) return std::nullopt;
   if (blank != std::string_view::npos && !parseTime(trimBlanks(s.substr(blank)), parts)) return std::nullopt;

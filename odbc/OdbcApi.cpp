@@ -107,6 +107,11 @@ void check(SQLRETURN rc, SQLSMALLINT handleType, SQLHANDLE handle, std::string_v
 
 namespace {
 
+// The types whose columns are read or assigned differently when unsigned.
+bool signMatters(SQLSMALLINT type) {
+  return type == SQL_INTEGER || type == SQL_BIGINT || type == SQL_SMALLINT || type == SQL_TINYINT;
+}
+
 ColumnKind kindOf(SQLSMALLINT type, bool isUnsigned) {
   switch (type) {
     case SQL_DOUBLE:
@@ -237,9 +242,13 @@ bool describesAs(SQLHSTMT stmt, SQLSMALLINT count, const std::vector<ColumnInfo>
     check(SQLDescribeColW(stmt, static_cast<SQLUSMALLINT>(i), nullptr, 0, &nameLength, &sqlType, &size,
                           &decimals, &nullable),
           SQL_HANDLE_STMT, stmt, "describing a result column", secret);
+    if (sqlType != c.sqlType || size != c.size) return false;
+    // Only a whole number's sign is read from the description (its kind, its buffer, its range); for any
+    // other type the driver is not asked again, one call less per column of every read.
+    if (!signMatters(sqlType)) continue;
     SQLLEN isUnsigned = SQL_FALSE;
     SQLColAttributeW(stmt, static_cast<SQLUSMALLINT>(i), SQL_DESC_UNSIGNED, nullptr, 0, nullptr, &isUnsigned);
-    if (sqlType != c.sqlType || size != c.size || (isUnsigned == SQL_TRUE) != c.isUnsigned) return false;
+    if ((isUnsigned == SQL_TRUE) != c.isUnsigned) return false;
   }
   return true;
 }

@@ -161,6 +161,28 @@ TEST(EntityInitialValues, TypedAccessorsSeeThem) {
   EXPECT_EQ(order.F_ProdDate(), VbDate{});
 }
 
+TEST(EntityInitialValues, AssigningOnePropertyLeavesTheOthersAtTheirInitialValues) {
+  clsEntPOrderChk line;
+  line.F_ProdNo(Value(2026110001.0));
+  EXPECT_EQ(line.F_ProdNo(), 2026110001.0);
+  EXPECT_EQ(line.get("F_ItemNo"), Value(""));
+  EXPECT_EQ(line.get("F_BStradCon"), Value(std::int16_t{0}));
+  EXPECT_EQ(line.get("F_DeliverDate"), Value(VbDate{}));
+}
+
+TEST(EntityInitialValues, AStoreAssignedEmptyHoldsEmptyThereAndInitialValuesElsewhere) {
+  // A copy of a caller's object may carry Empty: it is held as such, the others keep their values.
+  Entity e = newNativeEntity(clsEntPMrph::Class());
+  e.store()->put(clsEntPMrph::F_ItemNo_index, Value());
+  e.store()->put(clsEntPMrph::F_OrderQty_index, Value(3.0));
+  EXPECT_TRUE(e.getAt(clsEntPMrph::F_ItemNo_index).isEmpty());
+  EXPECT_EQ(e.getAt(clsEntPMrph::F_OrderQty_index), Value(3.0));
+  EXPECT_EQ(e.getAt(clsEntPMrph::F_ProdNo_index), Value(0.0));
+  EXPECT_EQ(e.getAt(clsEntPMrph::F_Status_index), Value(std::int16_t{0}));
+  e.store()->put(clsEntPMrph::F_ItemNo_index, Value("M-1"));
+  EXPECT_EQ(e.getAt(clsEntPMrph::F_ItemNo_index), Value("M-1"));
+}
+
 // --- Assignment converts as VB does
 
 TEST(EntityAssignment, ValuesAreConvertedToThePropertyType) {

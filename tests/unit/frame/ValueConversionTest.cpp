@@ -51,6 +51,19 @@ TEST(CStrOfDouble, TenToTheFifteenUsesExponent) {
   EXPECT_EQ(CStr(1E+15), "1E+15");
 }
 
+TEST(CStrOfDouble, WholeNumbersUpToFifteenDigitsArePlainDigits) {
+  EXPECT_EQ(CStr(999999999999999.0), "999999999999999");
+  EXPECT_EQ(CStr(-999999999999999.0), "-999999999999999");
+  EXPECT_EQ(CStr(2026110001.0), "2026110001");
+  EXPECT_EQ(CStr(-7.0), "-7");
+  EXPECT_EQ(CStr(-0.0), "0");
+}
+
+TEST(CStrOfDouble, WholeNumbersBeyondFifteenDigitsUseExponent) {
+  EXPECT_EQ(CStr(-1E+15), "-1E+15");
+  EXPECT_EQ(CStr(1234567890123456.0), "1.23456789012346E+15");
+}
+
 TEST(CStrOfDouble, TenToTheMinusFourIsPlain) {
   EXPECT_EQ(CStr(0.0001), "0.0001");
 }
