@@ -40,9 +40,9 @@ PropertyType typeOf(ParamKind kind) {
   }
 }
 
-Entity buildEntity(const EntitySpec& spec, const std::optional<std::pair<Slot, Value>>& replaced) {
-  Entity entity = newNativeEntity(entityClassNamed(spec.cls));
-  for (const auto& [property, value] : spec.properties) entity.put(property, value);
+Entity buildEntity(const EntityShape& shape, const std::optional<std::pair<Slot, Value>>& replaced) {
+  Entity entity = newNativeEntity(entityClassNamed(shape.cls));
+  for (const auto& [property, value] : shape.properties) entity.put(property, value);
   if (replaced) entity.put(replaced->first.property, replaced->second);
   return entity;
 }
@@ -71,20 +71,20 @@ std::string Slot::describe(const MemberInfo& member) const {
   return out;
 }
 
-std::vector<Slot> slotsOf(const MemberInfo& member, const CallSpec& start) {
+std::vector<Slot> slotsOf(const MemberInfo& member, const CallShape& start) {
   std::vector<Slot> slots;
   for (std::size_t i = 0; i < member.params.size(); ++i) {
     const ParamInfo& param = member.params[i];
-    const ArgSpec& spec = start.at(i);
-    if (const auto* entity = std::get_if<EntitySpec>(&spec)) {
+    const ArgumentShape& shape = start.at(i);
+    if (const auto* entity = std::get_if<EntityShape>(&shape)) {
       for (const PropertyInfo& p : entityClassNamed(entity->cls).properties)
         slots.push_back({i, std::string(p.name), p.type});
-    } else if (const auto* collection = std::get_if<CollectionSpec>(&spec)) {
+    } else if (const auto* collection = std::get_if<CollectionShape>(&shape)) {
       // A list the member fills has nothing to vary; a list it reads varies its first element.
       if (collection->elements.empty()) continue;
       for (const PropertyInfo& p : entityClassNamed(collection->elementClass).properties)
         slots.push_back({i, std::string(p.name), p.type});
-    } else if (const auto* array = std::get_if<DoubleArraySpec>(&spec)) {
+    } else if (const auto* array = std::get_if<DoubleArrayShape>(&shape)) {
       if (!array->empty()) slots.push_back({i, "", PropertyType::Double});
     } else {
       slots.push_back({i, "", typeOf(param.kind)});
@@ -146,25 +146,25 @@ const std::vector<NamedValue>& hostileValues(PropertyType type) {
   return texts;
 }
 
-std::vector<Argument> buildArguments(const CallSpec& call, const MemberInfo& member,
+std::vector<Argument> buildArguments(const CallShape& call, const MemberInfo& member,
                                      const std::optional<std::pair<Slot, Value>>& replaced) {
   std::vector<Argument> args;
   for (std::size_t i = 0; i < call.size(); ++i) {
     const bool here = replaced && replaced->first.param == i;
-    const ArgSpec& spec = call[i];
-    if (const auto* entity = std::get_if<EntitySpec>(&spec)) {
+    const ArgumentShape& shape = call[i];
+    if (const auto* entity = std::get_if<EntityShape>(&shape)) {
       args.emplace_back(buildEntity(*entity, here ? replaced : std::nullopt));
-    } else if (const auto* collection = std::get_if<CollectionSpec>(&spec)) {
+    } else if (const auto* collection = std::get_if<CollectionShape>(&shape)) {
       auto built = std::make_shared<Collection>();
       for (std::size_t e = 0; e < collection->elements.size(); ++e)
         built->Add(buildEntity(collection->elements[e], here && e == 0 ? replaced : std::nullopt));
       args.emplace_back(std::move(built));
-    } else if (const auto* array = std::get_if<DoubleArraySpec>(&spec)) {
+    } else if (const auto* array = std::get_if<DoubleArrayShape>(&shape)) {
       std::vector<double> built = *array;
       if (here && !built.empty()) built[0] = CDbl(replaced->second);
       args.emplace_back(std::move(built));
     } else {
-      args.emplace_back(here ? replaced->second : std::get<Value>(spec));
+      args.emplace_back(here ? replaced->second : std::get<Value>(shape));
     }
   }
   if (args.size() != member.params.size())

@@ -25,19 +25,19 @@
 namespace tovrand::test {
 
 // An entity argument: its class and the properties the call sets (the others keep their initial value).
-struct EntitySpec {
+struct EntityShape {
   std::string cls;
   std::vector<std::pair<std::string, Value>> properties;
 };
 // A Collection argument: the class its elements have, and the elements the caller puts in.
-struct CollectionSpec {
+struct CollectionShape {
   std::string elementClass;
-  std::vector<EntitySpec> elements;
+  std::vector<EntityShape> elements;
 };
-using DoubleArraySpec = std::vector<double>;
-using ArgSpec = std::variant<Value, EntitySpec, CollectionSpec, DoubleArraySpec>;
+using DoubleArrayShape = std::vector<double>;
+using ArgumentShape = std::variant<Value, EntityShape, CollectionShape, DoubleArrayShape>;
 // The arguments of one call, in interface order.
-using CallSpec = std::vector<ArgSpec>;
+using CallShape = std::vector<ArgumentShape>;
 
 // How a member's message boxes look: the style and title of its handler form, and whether the
 // length message of the write form can be one of them.
@@ -55,7 +55,7 @@ struct MemberContract {
   std::vector<std::int16_t> afterError;  // the statuses it can return once it has shown a message
   MessageForm form;
   std::vector<std::string> targets;  // the tables it writes; every other table stays as it was
-  std::vector<CallSpec> starts;      // realistic calls on the sample data
+  std::vector<CallShape> starts;     // realistic calls on the sample data
   // Entity and element properties that only some starting calls read (a department's columns),
   // mapped to those calls; a property not listed is tried on the first call only. Without a map every
   // value is tried on every starting call.
@@ -80,7 +80,7 @@ struct Slot {
   std::string describe(const MemberInfo& member) const;
 };
 // Every slot of a starting call, with the type of value it takes (array arguments: their first element).
-std::vector<Slot> slotsOf(const MemberInfo& member, const CallSpec& start);
+std::vector<Slot> slotsOf(const MemberInfo& member, const CallShape& start);
 // The starting calls a value in `slot` is tried on.
 std::vector<std::size_t> startsFor(const MemberContract& contract, const Slot& slot);
 
@@ -96,7 +96,7 @@ const std::vector<NamedValue>& hostileValues(PropertyType type);
 
 // The arguments of a call, built afresh (entities and Collections are new objects), with `value` in
 // `slot` when given.
-std::vector<Argument> buildArguments(const CallSpec& call, const MemberInfo& member,
+std::vector<Argument> buildArguments(const CallShape& call, const MemberInfo& member,
                                      const std::optional<std::pair<Slot, Value>>& replaced = std::nullopt);
 
 // Whether a statement ends inside a quoted text (a quote spliced in broke it), reading quotes and

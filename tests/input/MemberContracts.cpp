@@ -18,8 +18,8 @@ Value small(int v) {
 Value day(int y, int m, int d, int h = 0, int mi = 0, int s = 0) {
   return Value(makeDate({y, m, d, h, mi, s}));
 }
-CollectionSpec list(std::string elementClass, std::vector<EntitySpec> elements = {}) {
-  return CollectionSpec{std::move(elementClass), std::move(elements)};
+CollectionShape list(std::string elementClass, std::vector<EntityShape> elements = {}) {
+  return CollectionShape{std::move(elementClass), std::move(elements)};
 }
 
 const MessageForm kWrite{vbInformation, kTitleQuenta, true};
@@ -30,7 +30,7 @@ const MessageForm kCriticalNotice{vbCritical, kTitleErrorNotice, false};
 using S = std::vector<std::int16_t>;
 
 // A production order as the maintenance screen holds it, every property set.
-EntitySpec fullOrder(double prodNo) {
+EntityShape fullOrder(double prodNo) {
   return {"clsEntPOrder",
           {{"F_ProdNo", num(prodNo)},
            {"F_OrderMode", Value("外发加工")},
@@ -55,7 +55,7 @@ EntitySpec fullOrder(double prodNo) {
 }
 
 // A review as the review screens hold it, every department's columns filled.
-EntitySpec fullReview() {
+EntityShape fullReview() {
   return {"clsEntPOrderChk",
           {{"F_ProdNo", num(2026110003)},
            {"F_OrderNo", num(2611006)},
@@ -102,8 +102,8 @@ EntitySpec fullReview() {
            {"F_Status", small(1)}}};
 }
 
-EntitySpec header(double prodNo, const char* item, double orderQty, double safeQty, double needQty,
-                  double planPurQty, int status) {
+EntityShape header(double prodNo, const char* item, double orderQty, double safeQty, double needQty,
+                   double planPurQty, int status) {
   return {"clsEntPMrph",
           {{"F_ProdNo", num(prodNo)},
            {"F_ItemNo", Value(item)},
@@ -114,8 +114,8 @@ EntitySpec header(double prodNo, const char* item, double orderQty, double safeQ
            {"F_Status", small(status)}}};
 }
 
-EntitySpec line(double prodNo, const char* item, double dosage, double waste, double safeQty,
-                double requestQty, int leadTime, int status) {
+EntityShape line(double prodNo, const char* item, double dosage, double waste, double safeQty,
+                 double requestQty, int leadTime, int status) {
   return {"clsEntPMrpi",
           {{"F_ProdNo", num(prodNo)},
            {"F_ItemNo", Value(item)},
@@ -145,32 +145,32 @@ std::vector<MemberContract> contracts() {
                S{0},
                kQuery,
                {},
-               {{EntitySpec{"clsEntPOrder", {{"F_ProdNo", num(2026100001)}}}}}});
+               {{EntityShape{"clsEntPOrder", {{"F_ProdNo", num(2026100001)}}}}}});
   c.push_back({"clsDataPOrder",
                "CheckCustProdNo",
                S{0, 1},
                S{0},
                kQuery,
                {},
-               {{EntitySpec{"clsEntPOrder", {}}, Value("C003"), num(2026100001)}}});
+               {{EntityShape{"clsEntPOrder", {}}, Value("C003"), num(2026100001)}}});
   c.push_back({"clsDataPOrder",
                "AddRecord",
                S{0, 1},
                S{0},
                kWrite,
                {"t_porder", "t_borderi"},
-               {{EntitySpec{"clsEntPOrder",
-                            {{"F_ProdNo", num(2026110002)},
-                             {"F_CustNo", Value("C004")},
-                             {"F_SalerID", Value("刘洋")},
-                             {"F_ItemNo", Value("FG-1003")},
-                             {"F_OrderMode", Value("自制")},
-                             {"F_OrderNo", num(2611006)},
-                             {"F_COrderNo", Value("YJ-20261109")},
-                             {"F_BalQty", num(800)},
-                             {"F_OrdQty", num(800)},
-                             {"F_DeliverDate", day(2026, 12, 20)},
-                             {"F_Status", small(2)}}}}}});
+               {{EntityShape{"clsEntPOrder",
+                             {{"F_ProdNo", num(2026110002)},
+                              {"F_CustNo", Value("C004")},
+                              {"F_SalerID", Value("刘洋")},
+                              {"F_ItemNo", Value("FG-1003")},
+                              {"F_OrderMode", Value("自制")},
+                              {"F_OrderNo", num(2611006)},
+                              {"F_COrderNo", Value("YJ-20261109")},
+                              {"F_BalQty", num(800)},
+                              {"F_OrdQty", num(800)},
+                              {"F_DeliverDate", day(2026, 12, 20)},
+                              {"F_Status", small(2)}}}}}});
   c.push_back(
       {"clsDataPOrder", "UpdateRecord", S{0, 1}, S{0}, kWrite, {"t_porder"}, {{fullOrder(2026100002)}}});
   c.push_back({"clsDataPOrder",
@@ -179,12 +179,12 @@ std::vector<MemberContract> contracts() {
                S{0},
                kWrite,
                {"t_porder"},
-               {{EntitySpec{"clsEntPOrder",
-                            {{"F_ProdNo", num(2026100002)},
-                             {"F_OrderOutNo", num(26110009)},
-                             {"F_ProdDate", day(2026, 11, 20, 8, 30)},
-                             {"F_ProdQty", num(100)}}}}}});
-  c.push_back({"clsDataPOrder", "QueryAllProdNo", S{0, 1}, S{0, 1}, kQuery, {}, {{DoubleArraySpec{0.0}}}});
+               {{EntityShape{"clsEntPOrder",
+                             {{"F_ProdNo", num(2026100002)},
+                              {"F_OrderOutNo", num(26110009)},
+                              {"F_ProdDate", day(2026, 11, 20, 8, 30)},
+                              {"F_ProdQty", num(100)}}}}}});
+  c.push_back({"clsDataPOrder", "QueryAllProdNo", S{0, 1}, S{0, 1}, kQuery, {}, {{DoubleArrayShape{0.0}}}});
 
   // clsDataPOrderChk
   c.push_back(
@@ -194,7 +194,7 @@ std::vector<MemberContract> contracts() {
        S{0},
        kWrite,
        {},
-       {{EntitySpec{"clsEntBOrderi", {{"F_ProdNo", num(2026100001)}, {"F_ItemNo", Value("RM-2001")}}}}}});
+       {{EntityShape{"clsEntBOrderi", {{"F_ProdNo", num(2026100001)}, {"F_ItemNo", Value("RM-2001")}}}}}});
   c.push_back({"clsDataPOrderChk", "JudgeExits", S{0, 1}, S{0}, kWrite, {}, {{Value("FG-1001")}}});
   {
     MemberContract signOff{"clsDataPOrderChk", "UpdateRecord", S{0, 1}, S{0}, kWrite, {"t_porderchk"}, {}};
@@ -245,14 +245,14 @@ std::vector<MemberContract> contracts() {
                S{0},
                kQuery,
                {},
-               {{EntitySpec{"clsEntPOrderChk", {}}, num(2026110001)}}});
+               {{EntityShape{"clsEntPOrderChk", {}}, num(2026110001)}}});
   c.push_back({"clsDataPOrderChk",
                "QueryProdNoView",
                S{0, 1, 2},
                S{0},
                kQuery,
                {},
-               {{EntitySpec{"clsEntPOrderChk", {{"F_ProdNo", num(2026110001)}}}}}});
+               {{EntityShape{"clsEntPOrderChk", {{"F_ProdNo", num(2026110001)}}}}}});
   c.push_back({"clsDataPOrderChk", "QueryMonthDate", S{0}, S{0}, kWrite, {}, {{list("clsEntPOrderChk")}}});
   c.push_back({"clsDataPOrderChk", "QueryProdNo", S{0}, S{0}, kQuery, {}, {{list("clsEntPOrderChk")}}});
   c.push_back({"clsDataPOrderChk",
@@ -261,13 +261,13 @@ std::vector<MemberContract> contracts() {
                S{0},
                kWrite,
                {"t_porderchk", "t_borderi", "t_borderh"},
-               {{list("clsEntBOrderi", {EntitySpec{"clsEntBOrderi",
-                                                   {{"F_OrderNo", num(2611015)},
-                                                    {"F_No", Value("1")},
-                                                    {"F_ItemNo", Value("FG-1001")},
-                                                    {"F_CItemNo", Value("HM-CUP500")},
-                                                    {"F_OrderQty", num(2500)},
-                                                    {"F_DeliverDate", day(2027, 1, 8)}}}}),
+               {{list("clsEntBOrderi", {EntityShape{"clsEntBOrderi",
+                                                    {{"F_OrderNo", num(2611015)},
+                                                     {"F_No", Value("1")},
+                                                     {"F_ItemNo", Value("FG-1001")},
+                                                     {"F_CItemNo", Value("HM-CUP500")},
+                                                     {"F_OrderQty", num(2500)},
+                                                     {"F_DeliverDate", day(2027, 1, 8)}}}}),
                  Value("2611015"), Value("C001"), Value("HM-PO-261118"), small(4)}}});
   c.push_back({"clsDataPOrderChk",
                "QureyDatabase",
@@ -284,7 +284,7 @@ std::vector<MemberContract> contracts() {
                S{0},
                kWrite,
                {},
-               {{EntitySpec{"clsEntBOrderh", {{"F_ProdNo", num(2026110001)}}}}}});
+               {{EntityShape{"clsEntBOrderh", {{"F_ProdNo", num(2026110001)}}}}}});
 
   // clsDataPMrph
   c.push_back({"clsDataPMrph",
@@ -293,7 +293,7 @@ std::vector<MemberContract> contracts() {
                S{2},
                kCriticalNotice,
                {},
-               {{EntitySpec{"clsEntBOrderh", {}}, num(2026110001)}}});
+               {{EntityShape{"clsEntBOrderh", {}}, num(2026110001)}}});
   c.push_back({"clsDataPMrph",
                "QueryPMrphRecordset",
                S{0, 1},
@@ -307,14 +307,14 @@ std::vector<MemberContract> contracts() {
                S{0},
                kWrite,
                {},
-               {{EntitySpec{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}}}}}});
+               {{EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}}}}}});
   c.push_back({"clsDataPMrph",
                "QueryByItemNo",
                S{0, 1},
                S{0},
                kQuery,
                {},
-               {{EntitySpec{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}}}}}});
+               {{EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}}}}}});
   c.push_back({"clsDataPMrph",
                "UpdateRecord",
                S{0, 1, 2},
@@ -344,14 +344,14 @@ std::vector<MemberContract> contracts() {
                S{0},
                kQuery,
                {},
-               {{EntitySpec{"clsEntPOrder", {{"F_ProdNo", num(2026100003)}}}}}});
+               {{EntityShape{"clsEntPOrder", {{"F_ProdNo", num(2026100003)}}}}}});
   c.push_back({"clsDataPMrph",
                "QueryProdNoRecord",
                S{0, 1},
                S{0},
                kQuery,
                {},
-               {{EntitySpec{"clsEntPMrph", {{"F_ProdNo", num(2026100003)}}}}}});
+               {{EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026100003)}}}}}});
   {
     // The computation and the reservation are private routines with handlers of their own: their
     // failure shows its message, and the planning goes on and answers 1.
@@ -362,7 +362,7 @@ std::vector<MemberContract> contracts() {
         S{0, 1},
         kWrite,
         {"t_pmrph", "t_pmrpi", "t_wstockqtys", "t_wstockqtyh"},
-        {{EntitySpec{"clsEntPMrph", {{"F_ProdNo", num(2026100002)}, {"F_ItemNo", Value("FG-1003")}}},
+        {{EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026100002)}, {"F_ItemNo", Value("FG-1003")}}},
           list("clsEntPMrpi", {line(2026100002, "RM-2010", 3.2, 0.03, 0, 0, 7, 0)})}}};
     plan.goesOnAfterError = true;
     c.push_back(std::move(plan));
@@ -380,7 +380,7 @@ std::vector<MemberContract> contracts() {
                S{0},
                kWrite,
                {},
-               {{EntitySpec{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}, {"F_ItemNo", Value("RM-2001")}}},
+               {{EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}, {"F_ItemNo", Value("RM-2001")}}},
                  num(0), num(0), num(0), num(0), num(0), num(0), num(0), num(0), num(0), num(0)}}});
 
   // clsDataPMrpi
@@ -419,7 +419,7 @@ std::vector<MemberContract> contracts() {
        S{2},
        kQuery,
        {},
-       {{EntitySpec{"clsEntPMrpi", {{"F_ProdNo", num(2026110001)}, {"F_ItemNo", Value("RM-2002")}}}}}});
+       {{EntityShape{"clsEntPMrpi", {{"F_ProdNo", num(2026110001)}, {"F_ItemNo", Value("RM-2002")}}}}}});
   c.push_back({"clsDataPMrpi",
                "QueryByIDForPur",
                S{0, 1, 2},
@@ -441,15 +441,15 @@ std::vector<MemberContract> contracts() {
        S{2},
        kQuery,
        {},
-       {{EntitySpec{"clsEntEItem", {}},
-         EntitySpec{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}, {"F_ItemNo", Value("RM-2001")}}}}}});
+       {{EntityShape{"clsEntEItem", {}},
+         EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}, {"F_ItemNo", Value("RM-2001")}}}}}});
   c.push_back({"clsDataPMrpi",
                "GetItemNoByProdNo",
                S{0, 1},
                S{0, 1},
                kWrite,
                {},
-               {{list("clsEntPMrpi"), EntitySpec{"clsEntPMrph", {{"F_ProdNo", num(2026100003)}}}}}});
+               {{list("clsEntPMrpi"), EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026100003)}}}}}});
   c.push_back({"clsDataPMrpi",
                "QueryItemNo",
                S{0, 1, 2},
@@ -464,7 +464,7 @@ std::vector<MemberContract> contracts() {
                S{2},
                kQuery,
                {},
-               {{EntitySpec{"clsEntEItem", {{"F_ItemNo", Value("RM-2001")}}}}}});
+               {{EntityShape{"clsEntEItem", {{"F_ItemNo", Value("RM-2001")}}}}}});
   c.push_back({"clsDataPMrpi",
                "QueryItemNoRecord",
                S{0, 1, 2},

@@ -65,14 +65,15 @@ TEST(MemberContracts, CoverEveryMemberOfTheFourClassesInInterfaceOrder) {
 TEST(MemberContracts, EveryStartingCallGivesEveryParameterAnArgumentOfItsKind) {
   for (const MemberContract& c : memberContracts()) {
     const MemberInfo& member = memberInfo(c);
-    for (const CallSpec& start : c.starts) {
+    for (const CallShape& start : c.starts) {
       ASSERT_EQ(start.size(), member.params.size()) << c.name();
       for (std::size_t i = 0; i < start.size(); ++i) {
         const ParamKind kind = member.params[i].kind;
-        const bool fits = kind == ParamKind::Entity        ? std::holds_alternative<EntitySpec>(start[i])
-                          : kind == ParamKind::Collection  ? std::holds_alternative<CollectionSpec>(start[i])
-                          : kind == ParamKind::DoubleArray ? std::holds_alternative<DoubleArraySpec>(start[i])
-                                                           : std::holds_alternative<Value>(start[i]);
+        const bool fits = kind == ParamKind::Entity       ? std::holds_alternative<EntityShape>(start[i])
+                          : kind == ParamKind::Collection ? std::holds_alternative<CollectionShape>(start[i])
+                          : kind == ParamKind::DoubleArray
+                              ? std::holds_alternative<DoubleArrayShape>(start[i])
+                              : std::holds_alternative<Value>(start[i]);
         EXPECT_TRUE(fits) << c.name() << " argument " << member.params[i].name;
       }
     }

@@ -147,8 +147,8 @@ TEST_F(ComponentAccountTest, WritesTheStockSummaryRowOfAMaterialThatHasNone) {
   const MemberContract& plan =
       *std::find_if(memberContracts().begin(), memberContracts().end(),
                     [](const MemberContract& c) { return c.name() == "clsDataPMrph.AddRecord1"; });
-  CallSpec start = plan.starts.front();
-  std::get<CollectionSpec>(start[1]).elements.front().properties[1].second = Value("RM-2011");
+  CallShape start = plan.starts.front();
+  std::get<CollectionShape>(start[1]).elements.front().properties[1].second = Value("RM-2011");
   ASSERT_EQ(scalar("select count(*) from t_wstockqtyh where F_ItemNo = 'RM-2011'"), "0");
   std::vector<Argument> args = buildArguments(start, memberInfo(plan));
   CallOutcome outcome = call(plan, args);
