@@ -1,5 +1,7 @@
 #include "entities/Entity.h"
 
+#include <memory>
+
 #include "frame/Text.h"
 #include "frame/VbError.h"
 
@@ -39,16 +41,40 @@ Value convertTo(PropertyType type, const Value& v) {
   return v;
 }
 
-NativeStore::NativeStore(const EntityClass& cls)
-    : cls_(cls), values_(std::make_unique<Value[]>(cls.properties.size())) {}
+NativeStore::NativeStore(const EntityClass& cls) : cls_(cls) {}
+
+NativeStore::~NativeStore() {
+  for (std::size_t i = 0; i < fewCount_; ++i) std::destroy_at(&few_[i].value);
+}
 
 Value NativeStore::get(std::size_t index) {
+  if (!values_) {
+    for (std::size_t i = 0; i < fewCount_; ++i)
+      if (fewIndex_[i] == index) return few_[i].value;
+    return initialValue(cls_.properties[index].type);
+  }
   const Value& held = values_[index];
   if (held.isEmpty() && !initialized_) return initialValue(cls_.properties[index].type);
   return held;
 }
 
 void NativeStore::put(std::size_t index, const Value& v) {
+  if (!values_) {
+    if (!v.isEmpty()) {
+      for (std::size_t i = 0; i < fewCount_; ++i) {
+        if (fewIndex_[i] == index) {
+          few_[i].value = v;
+          return;
+        }
+      }
+      if (fewCount_ < kFewProperties) {
+        std::construct_at(&few_[fewCount_].value, v);
+        fewIndex_[fewCount_++] = index;
+        return;
+      }
+    }
+    spread();
+  }
   if (v.isEmpty() && !initialized_) {
     // Empty now stands for itself: every property not yet assigned takes its initial value first.
     for (std::size_t i = 0; i < cls_.properties.size(); ++i) {
@@ -57,6 +83,15 @@ void NativeStore::put(std::size_t index, const Value& v) {
     initialized_ = true;
   }
   values_[index] = v;
+}
+
+void NativeStore::spread() {
+  values_ = std::make_unique<Value[]>(cls_.properties.size());
+  for (std::size_t i = 0; i < fewCount_; ++i) {
+    values_[fewIndex_[i]] = std::move(few_[i].value);
+    std::destroy_at(&few_[i].value);
+  }
+  fewCount_ = 0;
 }
 
 const EntityClass& Entity::entityClass() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -50,21 +51,37 @@ class EntityStore {
   virtual void put(std::size_t index, const Value& v) = 0;
 };
 
-// An in-process store: one Value per property, starting at the type's initial value. A list fills
-// thousands of entities and assigns few of their properties, so an unassigned property is held as Empty
-// and read as its initial value; only a store that is assigned Empty itself (a copy of a caller's object)
-// holds every initial value.
+// An in-process store, starting at the type's initial values. A list fills thousands of entities and
+// assigns one or two properties of each, so the first few assigned values are held beside their
+// indexes and everything else reads as its initial value; a fifth property, or Empty assigned to one
+// (a copy of a caller's object), gives every property its own place.
 class NativeStore final : public EntityStore {
  public:
   explicit NativeStore(const EntityClass& cls);
+  ~NativeStore() override;
+  NativeStore(const NativeStore&) = delete;
+  NativeStore& operator=(const NativeStore&) = delete;
   const EntityClass& entityClass() const override { return cls_; }
   Value get(std::size_t index) override;
   void put(std::size_t index, const Value& v) override;
 
  private:
+  static constexpr std::size_t kFewProperties = 4;
+  // A value constructed only when its slot is taken: a new entity writes nothing but its header.
+  union Slot {
+    Slot() {}
+    ~Slot() {}
+    Value value;
+  };
+  // Gives every property its place, the few assigned so far included.
+  void spread();
+
   const EntityClass& cls_;
-  std::unique_ptr<Value[]> values_;
-  bool initialized_ = false;  // every property holds its value, Empty included
+  std::size_t fewCount_ = 0;
+  std::array<std::size_t, kFewProperties> fewIndex_;  // the property of each slot taken
+  std::array<Slot, kFewProperties> few_;
+  std::unique_ptr<Value[]> values_;  // null while the few hold every assignment
+  bool initialized_ = false;         // every property holds its value, Empty included
 };
 
 // A reference to an entity object (as a VB object variable is): copies refer to the same object.

@@ -311,13 +311,13 @@ std::string CStr(double v) {
   // A whole number of at most 15 digits is its digits under %.15G (no exponent, no point): production
   // numbers and quantities, read row after row, skip the general formatter.
   if (std::fabs(v) < 1e15 && v == std::trunc(v)) {
-    std::array<char, 24> digits{};
+    std::array<char, 24> digits;
     const auto [end, ec] =
         std::to_chars(digits.data(), digits.data() + digits.size(), static_cast<long long>(v));
     (void)ec;
     return std::string(digits.data(), end);
   }
-  std::array<char, 64> buffer{};
+  std::array<char, 64> buffer;
   const int n = std::snprintf(buffer.data(), buffer.size(), "%.15G", v);
   return std::string(buffer.data(), static_cast<std::size_t>(n));
 }

@@ -220,11 +220,12 @@ std::int16_t clsDataPOrder::QueryAllProdNo(std::vector<double>& dblProdNo) {
         CStr(startYear) + "-" + (startMonth < 10 ? "0" : "") + CStr(startMonth) + "-" + "01";
 
     openRead(rs, "select F_ProdNo from T_POrder order by F_ProdNo desc", connection());
+    const VbDate periodStartDate = CDate(periodStart);  // the same date for every row
     while (!rs.EOF_()) {
       std::string prodNo = CStr(rs.Fields("F_ProdNo").value());
       std::string prodMonth = Left(prodNo, 4) + "-" + Mid(prodNo, 5, 2) + "-" + "01";
       // Strictly later: the period start's own month is not returned.
-      if (CDate(periodStart) < CDate(prodMonth)) dblProdNo.push_back(CDbl(fieldOr(rs, "F_ProdNo", 0)));
+      if (periodStartDate < CDate(prodMonth)) dblProdNo.push_back(CDbl(fieldOr(rs, "F_ProdNo", 0)));
       rs.MoveNext();
       result = 1;
     }

@@ -185,6 +185,46 @@ TEST(EntityInitialValues, AStoreAssignedEmptyHoldsEmptyThereAndInitialValuesElse
 
 // --- Assignment converts as VB does
 
+TEST(EntityInitialValues, EveryPropertyAssignedKeepsItsValueBeforeAndAfterTheFifth) {
+  // A few assignments are held apart from the rest; the fifth gives every property its place.
+  for (const EntityClass* cls : entityClasses()) {
+    Entity e = newNativeEntity(*cls);
+    const std::size_t count = cls->properties.size();
+    for (std::size_t assigned = 1; assigned <= count; ++assigned) {
+      e.putAt(count - assigned, Value(7.0));
+      for (std::size_t j = 0; j < count; ++j) {
+        const Value expected = j >= count - assigned ? convertTo(cls->properties[j].type, Value(7.0))
+                                                     : initialValue(cls->properties[j].type);
+        EXPECT_EQ(e.getAt(j), expected)
+            << cls->name << "." << cls->properties[j].name << " after " << assigned << " assignments";
+      }
+    }
+  }
+}
+
+TEST(EntityInitialValues, ReassigningOneOfTheFirstFewReplacesItsValue) {
+  clsEntPMrph line;
+  line.put("F_ItemNo", Value("M-1"));
+  line.put("F_OrderQty", Value(3.0));
+  line.put("F_ItemNo", Value("M-2"));
+  EXPECT_EQ(line.get("F_ItemNo"), Value("M-2"));
+  EXPECT_EQ(line.get("F_OrderQty"), Value(3.0));
+  for (const char* name : {"F_ProdNo", "F_Status", "F_SafeQty", "F_NeedQty"}) line.put(name, Value("4"));
+  EXPECT_EQ(line.get("F_ItemNo"), Value("M-2"));
+  EXPECT_EQ(line.get("F_OrderQty"), Value(3.0));
+  EXPECT_EQ(line.get("F_ProdNo"), Value(4.0));
+  EXPECT_EQ(line.get("F_Status"), Value(std::int16_t{4}));
+}
+
+TEST(EntityInitialValues, EmptyAfterAFewAssignmentsKeepsThemAndStandsForItself) {
+  Entity e = newNativeEntity(clsEntPMrph::Class());
+  e.putAt(clsEntPMrph::F_OrderQty_index, Value(3.0));
+  e.store()->put(clsEntPMrph::F_ItemNo_index, Value());
+  EXPECT_TRUE(e.getAt(clsEntPMrph::F_ItemNo_index).isEmpty());
+  EXPECT_EQ(e.getAt(clsEntPMrph::F_OrderQty_index), Value(3.0));
+  EXPECT_EQ(e.getAt(clsEntPMrph::F_Status_index), Value(std::int16_t{0}));
+}
+
 TEST(EntityAssignment, ValuesAreConvertedToThePropertyType) {
   clsEntPOrder order;
   order.F_ProdNo(Value("2008050001"));
