@@ -53,7 +53,7 @@ Value DispatchEntityStore::get(std::size_t index) {
   return valueOf(*result.get());
 }
 
-void DispatchEntityStore::put(std::size_t index, const Value& v) {
+void DispatchEntityStore::put(std::size_t index, Value v) {
   Variant arg;
   toVariant(v, arg.get());
   invokeByDispid(object_.get(), dispid(index), DISPATCH_PROPERTYPUT, arg.get(), 1, nullptr);

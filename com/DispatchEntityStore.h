@@ -22,7 +22,7 @@ class DispatchEntityStore final : public EntityStore {
   // object without one conforms when every property of `cls` binds by name.
   bool conformsTo(const EntityClass& cls) override;
   Value get(std::size_t index) override;
-  void put(std::size_t index, const Value& v) override;
+  void put(std::size_t index, Value v) override;
 
   IDispatch* object() const { return object_.get(); }
 

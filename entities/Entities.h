@@ -174,8 +174,8 @@ struct Cpp<PropertyType::Date> {
   entity_detail::Cpp<PropertyType::kind>::type name() const {                              \
     return entity_detail::Cpp<PropertyType::kind>::from(checkedStore().get(name##_index)); \
   }                                                                                        \
-  void name(const Value& v) {                                                              \
-    checkedStore().put(name##_index, convertTo(PropertyType::kind, v));                    \
+  void name(Value v) {                                                                     \
+    checkedStore().put(name##_index, convertTo(PropertyType::kind, std::move(v)));         \
   }
 
 // A typed view of an entity reference: get with name(), assign with name(value) (the value is

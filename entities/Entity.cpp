@@ -27,16 +27,17 @@ Value initialValue(PropertyType type) {
   return Value();
 }
 
-Value convertTo(PropertyType type, const Value& v) {
+Value convertTo(PropertyType type, Value v) {
+  // A value of the property's own type is what the conversion would give: it is handed on as it is.
   switch (type) {
     case PropertyType::Double:
-      return Value(CDbl(v));
+      return v.type() == Value::Type::Double ? v : Value(CDbl(v));
     case PropertyType::String:
-      return Value(CStr(v));
+      return v.type() == Value::Type::String ? v : Value(CStr(v));
     case PropertyType::Integer:
-      return Value(CInt(v));
+      return v.type() == Value::Type::Integer ? v : Value(CInt(v));
     case PropertyType::Date:
-      return Value(CDate(v));
+      return v.type() == Value::Type::Date ? v : Value(CDate(v));
   }
   return v;
 }
@@ -58,17 +59,17 @@ Value NativeStore::get(std::size_t index) {
   return held;
 }
 
-void NativeStore::put(std::size_t index, const Value& v) {
+void NativeStore::put(std::size_t index, Value v) {
   if (!values_) {
     if (!v.isEmpty()) {
       for (std::size_t i = 0; i < fewCount_; ++i) {
         if (fewIndex_[i] == index) {
-          few_[i].value = v;
+          few_[i].value = std::move(v);
           return;
         }
       }
       if (fewCount_ < kFewProperties) {
-        std::construct_at(&few_[fewCount_].value, v);
+        std::construct_at(&few_[fewCount_].value, std::move(v));
         fewIndex_[fewCount_++] = index;
         return;
       }
@@ -82,7 +83,7 @@ void NativeStore::put(std::size_t index, const Value& v) {
     }
     initialized_ = true;
   }
-  values_[index] = v;
+  values_[index] = std::move(v);
 }
 
 void NativeStore::spread() {

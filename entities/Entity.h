@@ -36,7 +36,7 @@ struct EntityClass {
 Value initialValue(PropertyType type);
 // The conversion VB applies when a value is assigned to a property of the type (CDbl, CStr, CInt,
 // CDate), raising 13, 94 or 6 as VB does.
-Value convertTo(PropertyType type, const Value& v);
+Value convertTo(PropertyType type, Value v);
 
 // Where an entity's property values live: in this process, or in a caller's COM object.
 class EntityStore {
@@ -48,7 +48,7 @@ class EntityStore {
   virtual bool conformsTo(const EntityClass& cls) { return &entityClass() == &cls; }
   virtual Value get(std::size_t index) = 0;
   // `v` is already converted to the property's type.
-  virtual void put(std::size_t index, const Value& v) = 0;
+  virtual void put(std::size_t index, Value v) = 0;
 };
 
 // An in-process store, starting at the type's initial values. A list fills thousands of entities and
@@ -63,7 +63,7 @@ class NativeStore final : public EntityStore {
   NativeStore& operator=(const NativeStore&) = delete;
   const EntityClass& entityClass() const override { return cls_; }
   Value get(std::size_t index) override;
-  void put(std::size_t index, const Value& v) override;
+  void put(std::size_t index, Value v) override;
 
  private:
   static constexpr std::size_t kFewProperties = 4;

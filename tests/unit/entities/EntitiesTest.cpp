@@ -287,6 +287,22 @@ TEST(EntityAssignment, PutAtConvertsToo) {
   EXPECT_VB_ERROR(e.putAt(0, Value("")), 13, "Type mismatch");
 }
 
+TEST(EntityAssignment, TheCallersValueIsLeftAsItWas) {
+  // A value already of the property's type is taken over as it is; the caller's own copy stays.
+  const std::string remark(100, 'x');
+  Value text(remark);
+  Value quantity(12.5);
+  clsEntPOrder order;
+  order.F_CustNo(text);
+  order.F_OrdQty(quantity);
+  order.put("F_ItemNo", text);
+  EXPECT_EQ(text, Value(remark));
+  EXPECT_EQ(quantity, Value(12.5));
+  EXPECT_EQ(order.F_CustNo(), remark);
+  EXPECT_EQ(order.get("F_ItemNo"), Value(remark));
+  EXPECT_EQ(order.F_OrdQty(), 12.5);
+}
+
 // --- Late-bound names
 
 TEST(EntityNames, LookupIgnoresCase) {
