@@ -430,11 +430,12 @@ void writeCsv(const Results& r, const std::string& dir) {
     for (const Row& m : memberRows(r, false)) {
       for (int rows : sizesOf(r, m.key)) {
         double c = medianReal(r, m.key, Impl::Component, rows), o = medianReal(r, m.key, Impl::Odbc, rows),
-               x = medianReal(r, m.key, Impl::ConnectorC, rows);
+               x = medianReal(r, m.key, Impl::ConnectorC, rows), e = medianReal(r, m.key, Impl::Engine, rows);
+        double cpuOdbc = medianCpu(r, m.key, Impl::Odbc, rows);
         out << m.key << "," << m.cls << "," << csvText(m.label) << "," << rows << "," << c * 1e6 << ","
             << o * 1e6 << "," << x * 1e6 << "," << ratioOf(c, o) << "," << ratioOf(c, x) << ","
-            << ratioOf(medianCpu(r, m.key, Impl::Component, rows), medianCpu(r, m.key, Impl::Odbc, rows))
-            << "\n";
+            << ratioOf(medianCpu(r, m.key, Impl::Component, rows), cpuOdbc) << "," << e * 1e6 << ","
+            << ratioOf(e, o) << "," << ratioOf(medianCpu(r, m.key, Impl::Engine, rows), cpuOdbc) << "\n";
       }
     }
   }
