@@ -183,8 +183,6 @@ TEST(EntityInitialValues, AStoreAssignedEmptyHoldsEmptyThereAndInitialValuesElse
   EXPECT_EQ(e.getAt(clsEntPMrph::F_ItemNo_index), Value("M-1"));
 }
 
-// --- Assignment converts as VB does
-
 TEST(EntityInitialValues, EveryPropertyAssignedKeepsItsValueBeforeAndAfterTheFifth) {
   // A few assignments are held apart from the rest; the fifth gives every property its place.
   for (const EntityClass* cls : entityClasses()) {
@@ -224,6 +222,8 @@ TEST(EntityInitialValues, EmptyAfterAFewAssignmentsKeepsThemAndStandsForItself) 
   EXPECT_EQ(e.getAt(clsEntPMrph::F_OrderQty_index), Value(3.0));
   EXPECT_EQ(e.getAt(clsEntPMrph::F_Status_index), Value(std::int16_t{0}));
 }
+
+// --- Assignment converts as VB does
 
 TEST(EntityAssignment, ValuesAreConvertedToThePropertyType) {
   clsEntPOrder order;
