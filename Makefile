@@ -7,6 +7,8 @@ FUZZ_BUILD ?= build-fuzz
 # Seconds of fuzzing per target: a short bounded run in `make test`, a long one in `make fuzz`.
 FUZZ_TEST_SECONDS ?= 20
 FUZZ_SECONDS ?= 600
+# Rebuilds of the same sources (another build directory, another checkout) come from ccache.
+CCACHE := $(shell command -v ccache >/dev/null 2>&1 && echo -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 
 .PHONY: all setup setup-com setup-bench setup-fuzz build build-asan fuzz-build demo test test-native test-asan \
 	test-fuzz fuzz reliability com test-com bench format clean
@@ -31,11 +33,11 @@ setup-fuzz: setup
 	scripts/require fuzz
 
 build: setup
-	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake -S . -B $(BUILD) $(CCACHE) -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build $(BUILD) -j$(JOBS)
 
 build-asan: setup
-	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DTOVRAND_SANITIZE=ON
+	cmake -S . -B $(ASAN_BUILD) $(CCACHE) -DCMAKE_BUILD_TYPE=Debug -DTOVRAND_SANITIZE=ON
 	cmake --build $(ASAN_BUILD) -j$(JOBS)
 
 # Follows one sales order through the four classes on a private database with the sample data.
@@ -52,7 +54,7 @@ test-asan: build-asan
 
 # The libFuzzer targets of fuzz/ (clang, ASan, UBSan) in a build of their own.
 fuzz-build: setup-fuzz
-	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTOVRAND_FUZZ=ON -DTOVRAND_TESTS=OFF
+	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) $(CCACHE) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTOVRAND_FUZZ=ON -DTOVRAND_TESTS=OFF
 	cmake --build $(FUZZ_BUILD) -j$(JOBS) --target fuzz_targets
 
 # Every kept input replayed, then each target fuzzed for a bounded time.
@@ -76,7 +78,7 @@ test-com: setup-com
 	scripts/com-test
 
 bench: setup-bench
-	cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DTOVRAND_BENCH=ON -DTOVRAND_TESTS=ON
+	cmake -S . -B build-bench $(CCACHE) -DCMAKE_BUILD_TYPE=Release -DTOVRAND_BENCH=ON -DTOVRAND_TESTS=ON
 	cmake --build build-bench -j$(JOBS)
 	build-bench/bench/tovrand_bench
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "frame/Value.h"
 #include "odbc/ConnectionSettings.h"
+#include "vb/Value.h"
 
 namespace tovrand::bench {
 

@@ -6,8 +6,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "frame/Value.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/Value.h"
 
 namespace tovrand::bench {
 

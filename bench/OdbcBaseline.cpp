@@ -8,8 +8,8 @@
 #include <map>
 
 #include "bench/Baseline.h"
-#include "frame/Text.h"
 #include "odbc/OdbcConnection.h"
+#include "vb/Text.h"
 
 namespace tovrand::bench {
 

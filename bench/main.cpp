@@ -21,10 +21,10 @@
 #include "bench/Relay.h"
 #include "bench/Report.h"
 #include "bench/Results.h"
-#include "frame/Text.h"
 #include "frame/Trace.h"
 #include "odbc/StatementTrace.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/Text.h"
 
 namespace tovrand::bench {
 

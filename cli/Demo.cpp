@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/Value.h"
+#include "vb/Value.h"
 
 namespace tovrand::cli {
 

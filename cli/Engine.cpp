@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "frame/Text.h"
-#include "frame/VbError.h"
 #include "odbc/NativeHost.h"
 #include "odbc/OdbcDbConnection.h"
+#include "vb/Text.h"
+#include "vb/VbError.h"
 
 namespace tovrand::cli {
 

@@ -7,8 +7,8 @@
 
 #include "entities/Collection.h"
 #include "entities/Entities.h"
-#include "frame/Text.h"
-#include "frame/VbError.h"
+#include "vb/Text.h"
+#include "vb/VbError.h"
 
 namespace tovrand::cli {
 

@@ -12,7 +12,7 @@
 
 #include "entities/Entity.h"
 #include "frame/Members.h"
-#include "frame/Value.h"
+#include "vb/Value.h"
 
 namespace tovrand::cli {
 

@@ -6,8 +6,8 @@
 #include "cli/Engine.h"
 #include "component/Component.h"
 #include "frame/Recordset.h"
-#include "frame/Text.h"
-#include "frame/VbError.h"
+#include "vb/Text.h"
+#include "vb/VbError.h"
 
 namespace tovrand::cli {
 

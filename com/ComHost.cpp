@@ -6,10 +6,10 @@
 
 #include "com/ComSupport.h"
 #include "com/DispatchEntityStore.h"
-#include "frame/RegionalSettings.h"
-#include "frame/Text.h"
 #include "odbc/OdbcDbConnection.h"
 #include "odbc/OdbcRecordset.h"
+#include "vb/RegionalSettings.h"
+#include "vb/Text.h"
 
 namespace tovrand::com {
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "frame/Text.h"
+#include "vb/Text.h"
 
 namespace tovrand::com {
 

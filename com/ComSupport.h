@@ -12,8 +12,8 @@
 #include <string_view>
 #include <utility>
 
-#include "frame/Value.h"
-#include "frame/VbError.h"
+#include "vb/Value.h"
+#include "vb/VbError.h"
 
 namespace tovrand::com {
 

@@ -7,7 +7,7 @@
 #include "com/DispatchCollection.h"
 #include "com/DispatchEntityStore.h"
 #include "entities/Entities.h"
-#include "frame/Text.h"
+#include "vb/Text.h"
 
 namespace tovrand::com {
 

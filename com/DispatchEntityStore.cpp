@@ -1,7 +1,7 @@
 #include "com/DispatchEntityStore.h"
 
 #include "entities/Entities.h"
-#include "frame/Text.h"
+#include "vb/Text.h"
 
 namespace tovrand::com {
 

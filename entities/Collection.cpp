@@ -1,6 +1,6 @@
 #include "entities/Collection.h"
 
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

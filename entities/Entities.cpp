@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "frame/Text.h"
-#include "frame/VbError.h"
+#include "vb/Text.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "frame/Value.h"
+#include "vb/Value.h"
 
 namespace tovrand {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "frame/Members.h"
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

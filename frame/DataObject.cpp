@@ -3,7 +3,7 @@
 #include <exception>
 
 #include "frame/Messages.h"
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "frame/Text.h"
+#include "vb/Text.h"
 
 namespace tovrand {
 

@@ -9,7 +9,7 @@
 
 #include "entities/Collection.h"
 #include "entities/Entity.h"
-#include "frame/Value.h"
+#include "vb/Value.h"
 
 namespace tovrand {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "frame/Value.h"
+#include "vb/Value.h"
 
 namespace tovrand {
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string_view>
 
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand::fuzz {
 

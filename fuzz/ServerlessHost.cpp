@@ -5,7 +5,7 @@
 
 #include "frame/Recordset.h"
 #include "frame/Trace.h"
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand::fuzz {
 

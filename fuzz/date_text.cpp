@@ -9,10 +9,10 @@
 #include <string_view>
 
 #include "cli/Json.h"
-#include "frame/RegionalSettings.h"
-#include "frame/Value.h"
 #include "fuzz/FuzzCheck.h"
 #include "odbc/OdbcApi.h"
+#include "vb/RegionalSettings.h"
+#include "vb/Value.h"
 
 using namespace tovrand;
 using tovrand::fuzz::require;

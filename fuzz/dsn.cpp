@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
-#include "frame/RegionalSettings.h"
 #include "fuzz/FuzzCheck.h"
 #include "odbc/ConnectionSettings.h"
+#include "vb/RegionalSettings.h"
 
 using namespace tovrand;
 using tovrand::fuzz::attempt;

@@ -11,8 +11,8 @@
 #include <limits>
 #include <string>
 
-#include "frame/Value.h"
 #include "fuzz/FuzzCheck.h"
+#include "vb/Value.h"
 
 using namespace tovrand;
 using tovrand::fuzz::attempt;

@@ -1,10 +1,10 @@
 #include "odbc/BoundStatement.h"
 
-#include "frame/Text.h"
 #include "odbc/OdbcApi.h"
 #include "odbc/OdbcConnection.h"
 #include "odbc/SessionCache.h"
 #include "odbc/StatementTrace.h"
+#include "vb/Text.h"
 
 namespace tovrand {
 

@@ -7,8 +7,8 @@
 #include <sstream>
 #include <vector>
 
-#include "frame/Text.h"
-#include "frame/VbError.h"
+#include "vb/Text.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

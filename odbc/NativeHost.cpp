@@ -1,8 +1,8 @@
 #include "odbc/NativeHost.h"
 
-#include "frame/RegionalSettings.h"
 #include "odbc/OdbcDbConnection.h"
 #include "odbc/OdbcRecordset.h"
+#include "vb/RegionalSettings.h"
 
 namespace tovrand {
 

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "frame/Text.h"
+#include "vb/Text.h"
 
 namespace tovrand::odbc {
 

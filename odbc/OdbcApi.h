@@ -17,8 +17,8 @@
 
 #include <vector>
 
-#include "frame/Value.h"
-#include "frame/VbError.h"
+#include "vb/Value.h"
+#include "vb/VbError.h"
 
 namespace tovrand::odbc {
 

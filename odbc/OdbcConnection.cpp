@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <map>
 
-#include "frame/Text.h"
 #include "odbc/Lock.h"
 #include "odbc/OdbcApi.h"
 #include "odbc/SessionCache.h"
+#include "vb/Text.h"
 
 namespace tovrand {
 

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "frame/Recordset.h"
-#include "frame/Value.h"
-#include "frame/VbError.h"
 #include "odbc/ConnectionSettings.h"
+#include "vb/Value.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

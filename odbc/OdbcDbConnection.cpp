@@ -1,6 +1,6 @@
 #include "odbc/OdbcDbConnection.h"
 
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

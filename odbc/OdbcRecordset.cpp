@@ -3,8 +3,6 @@
 #include <cstring>
 #include <vector>
 
-#include "frame/Text.h"
-#include "frame/VbError.h"
 #include "odbc/BoundStatement.h"
 #include "odbc/OdbcApi.h"
 #include "odbc/OdbcConnection.h"
@@ -12,6 +10,8 @@
 #include "odbc/SessionCache.h"
 #include "odbc/SqlShape.h"
 #include "odbc/StatementTrace.h"
+#include "vb/Text.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

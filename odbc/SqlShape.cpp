@@ -3,7 +3,7 @@
 #include <array>
 #include <vector>
 
-#include "frame/Text.h"
+#include "vb/Text.h"
 
 namespace tovrand::odbc {
 

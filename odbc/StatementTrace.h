@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "frame/Trace.h"
-#include "frame/Value.h"
+#include "vb/Value.h"
 
 namespace tovrand {
 

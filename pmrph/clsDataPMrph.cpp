@@ -2,7 +2,7 @@
 
 #include "frame/Messages.h"
 #include "frame/OpenForms.h"
-#include "frame/VbMath.h"
+#include "vb/VbMath.h"
 
 namespace tovrand {
 

@@ -1,7 +1,7 @@
 #include "pmrpi/clsDataPMrpi.h"
 
 #include "frame/OpenForms.h"
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

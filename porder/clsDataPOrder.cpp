@@ -2,7 +2,7 @@
 
 #include "frame/Messages.h"
 #include "frame/OpenForms.h"
-#include "frame/VbStrings.h"
+#include "vb/VbStrings.h"
 
 namespace tovrand {
 

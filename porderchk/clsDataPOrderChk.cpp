@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "frame/OpenForms.h"
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

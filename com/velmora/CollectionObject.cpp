@@ -7,7 +7,7 @@
 
 #include "Velmora_h.h"
 #include "com/velmora/VelmoraObjects.h"
-#include "frame/Text.h"
+#include "vb/Text.h"
 
 namespace tovrand::velmora {
 

@@ -3,7 +3,7 @@
 #include "cli/Json.h"
 #include "entities/Collection.h"
 #include "entities/Entities.h"
-#include "frame/Text.h"
+#include "vb/Text.h"
 
 namespace tovrand::cli {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
-#include "frame/Value.h"
+#include "vb/Value.h"
 
 namespace tovrand::test {
 

@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "frame/VbError.h"
 #include "odbc/NativeHost.h"
 #include "porder/clsDataPOrder.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 namespace {

@@ -13,7 +13,6 @@
 #include "entities/Collection.h"
 #include "entities/Entities.h"
 #include "frame/Messages.h"
-#include "frame/VbError.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/NativeHost.h"
 #include "pmrph/clsDataPMrph.h"
@@ -22,6 +21,7 @@
 #include "tests/faults/PrivateServer.h"
 #include "tests/support/Printers.h"
 #include "tests/support/SessionFaults.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 namespace {

@@ -15,7 +15,6 @@
 
 #include "entities/Collection.h"
 #include "entities/Entities.h"
-#include "frame/Value.h"
 #include "pmrph/clsDataPMrph.h"
 #include "pmrpi/clsDataPMrpi.h"
 #include "porder/clsDataPOrder.h"
@@ -23,6 +22,7 @@
 #include "tests/faults/OdbcHandles.h"
 #include "tests/support/Printers.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/Value.h"
 
 namespace tovrand::test {
 namespace {

@@ -19,8 +19,8 @@
 #include "frame/Members.h"
 #include "frame/MessageSink.h"
 #include "frame/Trace.h"
-#include "frame/Value.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/Value.h"
 
 namespace tovrand::test {
 

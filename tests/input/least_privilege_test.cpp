@@ -6,10 +6,10 @@
 #include <algorithm>
 
 #include "component/Component.h"
-#include "frame/VbError.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
 #include "tests/input/MemberCalls.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 namespace {

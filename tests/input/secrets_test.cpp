@@ -10,11 +10,11 @@
 #include "cli/Process.h"
 #include "component/Component.h"
 #include "entities/Entities.h"
-#include "frame/VbError.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 namespace {

@@ -6,12 +6,12 @@
 #include <filesystem>
 
 #include "component/Component.h"
-#include "frame/VbError.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "tests/support/ExpectVbError.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 namespace {

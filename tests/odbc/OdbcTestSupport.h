@@ -8,8 +8,8 @@
 
 #include "frame/DbConnection.h"
 #include "frame/Recordset.h"
-#include "frame/VbError.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 

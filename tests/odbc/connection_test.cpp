@@ -7,12 +7,12 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "frame/RegionalSettings.h"
-#include "frame/Value.h"
 #include "odbc/NativeHost.h"
 #include "odbc/OdbcDbConnection.h"
 #include "odbc/OdbcRecordset.h"
 #include "tests/odbc/OdbcTestSupport.h"
+#include "vb/RegionalSettings.h"
+#include "vb/Value.h"
 
 namespace tovrand::test {
 namespace {

@@ -3,9 +3,9 @@
 // travels once its columns are known, and the engine's INSERT and UPDATE are prepared once per session.
 #include <map>
 
-#include "frame/Value.h"
 #include "odbc/OdbcConnection.h"
 #include "tests/odbc/OdbcTestSupport.h"
+#include "vb/Value.h"
 
 namespace tovrand::test {
 namespace {

@@ -1,5 +1,5 @@
-#include "frame/Value.h"
 #include "tests/odbc/OdbcTestSupport.h"
+#include "vb/Value.h"
 
 namespace tovrand::test {
 namespace {

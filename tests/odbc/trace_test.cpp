@@ -3,8 +3,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "frame/Value.h"
 #include "tests/odbc/OdbcTestSupport.h"
+#include "vb/Value.h"
 
 namespace tovrand::test {
 namespace {

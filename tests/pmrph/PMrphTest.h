@@ -7,9 +7,9 @@
 
 #include "entities/Entities.h"
 #include "frame/Messages.h"
-#include "frame/VbError.h"
 #include "pmrph/clsDataPMrph.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 

@@ -9,11 +9,11 @@
 #include "entities/Collection.h"
 #include "entities/Entities.h"
 #include "frame/Messages.h"
-#include "frame/VbError.h"
 #include "pmrpi/clsDataPMrpi.h"
 #include "tests/support/ExpectVbError.h"
 #include "tests/support/Printers.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 

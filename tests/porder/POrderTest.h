@@ -6,9 +6,9 @@
 
 #include "entities/Entities.h"
 #include "frame/Messages.h"
-#include "frame/VbError.h"
 #include "porder/clsDataPOrder.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 

@@ -7,11 +7,11 @@
 
 #include "entities/Entities.h"
 #include "frame/Messages.h"
-#include "frame/VbError.h"
 #include "odbc/NativeHost.h"
 #include "porderchk/clsDataPOrderChk.h"
 #include "tests/support/Printers.h"
 #include "tests/support/TestDatabase.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 

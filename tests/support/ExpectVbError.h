@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 // Expects `statement` to raise a VbError with this number and description.
 #define EXPECT_VB_ERROR(statement, expectedNumber, expectedDescription)    \

@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "frame/Value.h"
+#include "vb/Value.h"
 
 namespace tovrand::test {
 

@@ -10,9 +10,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "frame/Value.h"
-#include "frame/VbError.h"
 #include "odbc/NativeHost.h"
+#include "vb/Value.h"
+#include "vb/VbError.h"
 
 namespace tovrand::test {
 

@@ -1,4 +1,4 @@
-#include "frame/RegionalSettings.h"
+#include "vb/RegionalSettings.h"
 
 #include <memory>
 #include <mutex>

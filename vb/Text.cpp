@@ -1,4 +1,4 @@
-#include "frame/Text.h"
+#include "vb/Text.h"
 
 #include <cstdint>
 

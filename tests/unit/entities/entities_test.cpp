@@ -9,8 +9,8 @@
 
 #include "entities/Collection.h"
 #include "entities/Entities.h"
-#include "frame/VbError.h"
 #include "tests/support/ExpectVbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 namespace {

@@ -1,4 +1,4 @@
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 #include <new>
 #include <utility>

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "frame/Text.h"
+#include "vb/Text.h"
 
 namespace tovrand {
 namespace {

@@ -1,4 +1,4 @@
-#include "frame/VbStrings.h"
+#include "vb/VbStrings.h"
 
 namespace tovrand {
 

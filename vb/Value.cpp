@@ -1,4 +1,4 @@
-#include "frame/Value.h"
+#include "vb/Value.h"
 
 #include <algorithm>
 #include <array>
@@ -8,9 +8,9 @@
 #include <limits>
 #include <optional>
 
-#include "frame/RegionalSettings.h"
-#include "frame/Text.h"
-#include "frame/VbError.h"
+#include "vb/RegionalSettings.h"
+#include "vb/Text.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

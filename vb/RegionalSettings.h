@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "frame/Value.h"
+#include "vb/Value.h"
 
 namespace tovrand {
 

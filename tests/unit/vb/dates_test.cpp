@@ -4,10 +4,10 @@
 #include <tuple>
 #include <utility>
 
-#include "frame/RegionalSettings.h"
-#include "frame/Value.h"
-#include "frame/VbError.h"
 #include "tests/support/ExpectVbError.h"
+#include "vb/RegionalSettings.h"
+#include "vb/Value.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "frame/VbMath.h"
 #include "tests/support/ExpectVbError.h"
+#include "vb/VbMath.h"
 
 namespace tovrand {
 namespace {

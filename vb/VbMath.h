@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "frame/VbError.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 

@@ -5,9 +5,9 @@
 #include <limits>
 #include <string>
 
-#include "frame/Value.h"
-#include "frame/VbError.h"
 #include "tests/support/ExpectVbError.h"
+#include "vb/Value.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 namespace {
