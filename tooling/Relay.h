@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace tovrand::tooling {
 
@@ -27,6 +28,8 @@ class Relay {
   struct Upstream {
     std::string socket;  // the server's unix socket, or
     int port = 0;        // its TCP port on 127.0.0.1
+    static Upstream unixSocket(std::string path) { return {std::move(path), 0}; }
+    static Upstream tcpPort(int port) { return {std::string(), port}; }
   };
   struct Counts {
     long roundTrips = 0;

@@ -179,7 +179,7 @@ TEST_F(NoHang, ALineReleaseThatMeetsAFrozenServerWaitsForItOnlyOnce) {
 // The port stops carrying anything after the object was created: the call ends within the read
 // timeout, a reconnect within the connect timeout, and the object works again once the port does.
 TEST_F(NoHang, ABlackholedPortEndsTheCallWithinTheTimeoutAndTheObjectRecovers) {
-  tooling::Relay port({.port = server_->port()});
+  tooling::Relay port(tooling::Relay::Upstream::tcpPort(server_->port()));
   clsEntPOrder order;
   auto reader = readerOfOneOrder(server_->tcpDsn(database_, port.port()) + "?timeout=2", order);
   clsDataPOrder& porder = *reader;
@@ -209,7 +209,7 @@ TEST_F(NoHang, ABlackholedPortEndsTheCallWithinTheTimeoutAndTheObjectRecovers) {
 // again, so the quantity is added once per call that succeeded.
 TEST_F(NoHang, AnUpdateCutOffByABlackholedPortIsNeverSentAgain) {
   server_->runSql(database_, "insert into t_porder (F_ProdNo, F_ProdQty) values (2026110001, 10)");
-  tooling::Relay port({.port = server_->port()});
+  tooling::Relay port(tooling::Relay::Upstream::tcpPort(server_->port()));
   clsDataPOrder porder(hostOn(server_->tcpDsn(database_, port.port()) + "?timeout=2"));
   clsEntPOrder order;
   order.F_ProdNo(2026110001.0);
@@ -234,7 +234,7 @@ TEST_F(NoHang, AnUpdateCutOffByABlackholedPortIsNeverSentAgain) {
 // Creating an object behind a port that takes connections and never answers gives up after the
 // connect timeout, not the read timeout.
 TEST_F(NoHang, CreationBehindABlackholedPortFailsWithinTheConnectTimeout) {
-  tooling::Relay port({.port = server_->port()});
+  tooling::Relay port(tooling::Relay::Upstream::tcpPort(server_->port()));
   port.blackhole();
   std::string dsn = server_->tcpDsn(database_, port.port()) + "?connect_timeout=2&timeout=60";
   double took = secondsOf([&] {
@@ -253,7 +253,7 @@ TEST_F(NoHang, CreationBehindABlackholedPortFailsWithinTheConnectTimeout) {
 // A statement the server cannot take in (the port carries nothing, the system's buffers fill up)
 // gives up after the write timeout.
 TEST_F(NoHang, AStatementThatCannotBeSentEndsWithinTheWriteTimeout) {
-  tooling::Relay port({.port = server_->port()});
+  tooling::Relay port(tooling::Relay::Upstream::tcpPort(server_->port()));
   clsDataPOrder porder(hostOn(server_->tcpDsn(database_, port.port()) + "?timeout=2"));
   port.blackhole();
   Collection orders;
