@@ -6,7 +6,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "tests/support/TestDatabase.h"
 #include "vb/Value.h"
 
 namespace tovrand::bench {
@@ -244,9 +243,8 @@ Objects::Objects(const ConnectionSettings& settings)
       pmrph(std::make_unique<clsDataPMrph>(host)),
       pmrpi(std::make_unique<clsDataPMrpi>(host)) {}
 
-std::unique_ptr<DataSet> makeDataSet(int rows, bool appendTablesOnly) {
+std::unique_ptr<DataSet> makeDataSet(Server& server, int rows, bool appendTablesOnly) {
   auto start = std::chrono::steady_clock::now();
-  test::TestServer& server = test::TestServer::instance();
   auto d = std::make_unique<DataSet>();
   d->rows = rows;
   d->appendTablesOnly = appendTablesOnly;
@@ -254,7 +252,7 @@ std::unique_ptr<DataSet> makeDataSet(int rows, bool appendTablesOnly) {
   server.admin("DROP DATABASE IF EXISTS `" + d->database + "`");
   server.admin("CREATE DATABASE `" + d->database + "` CHARACTER SET utf8mb4");
   server.runSql(d->database, readFile(std::string(TOVRAND_SOURCE_DIR) + "/schema/tovrand.sql"));
-  d->settings = server.fixtureSettings(d->database);
+  d->settings = server.settingsFor(d->database);
   d->fixture = OdbcConnection::openPrivate(d->settings);
 
   long products = d->products(), materials = d->materials(), customers = d->customers();
@@ -305,13 +303,13 @@ std::unique_ptr<DataSet> makeDataSet(int rows, bool appendTablesOnly) {
   return d;
 }
 
-void drop(DataSet& d) {
+void drop(Server& server, DataSet& d) {
   d.objects.reset();
   d.odbc.reset();
   d.connectorC.reset();
   d.engine.reset();
   d.fixture.reset();
-  test::TestServer::instance().admin("DROP DATABASE IF EXISTS `" + d.database + "`");
+  server.admin("DROP DATABASE IF EXISTS `" + d.database + "`");
 }
 
 }  // namespace tovrand::bench

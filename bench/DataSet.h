@@ -4,6 +4,7 @@
 #include <string>
 
 #include "bench/Baseline.h"
+#include "bench/Server.h"
 #include "frame/MessageSink.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/NativeHost.h"
@@ -81,8 +82,8 @@ struct DataSet {
   void exec(const std::string& sql) const { fixture->execute(sql); }
 };
 
-// Creates and fills the database of one size; drop() removes it.
-std::unique_ptr<DataSet> makeDataSet(int rows, bool appendTablesOnly);
-void drop(DataSet& d);
+// Creates and fills the database of one size on `server`; drop() removes it.
+std::unique_ptr<DataSet> makeDataSet(Server& server, int rows, bool appendTablesOnly);
+void drop(Server& server, DataSet& d);
 
 }  // namespace tovrand::bench

@@ -1,7 +1,5 @@
 #include "cli/Commands.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -15,10 +13,10 @@
 
 #include "cli/Demo.h"
 #include "cli/Embedded.h"
-#include "cli/Process.h"
 #include "cli/Runner.h"
-#include "cli/Sandbox.h"
-#include "odbc/ConnectionSettings.h"
+#include "tooling/Dsn.h"
+#include "tooling/PrivateServer.h"
+#include "tooling/Process.h"
 
 namespace tovrand::cli {
 
@@ -28,24 +26,6 @@ constexpr int kUsageError = 2;
 constexpr int kFailure = 1;
 // The sample data tells of November 2026; the demo's private database lives on its date.
 constexpr const char* kDemoServerDate = "2026-11-22";
-
-std::string nonEmptyEnv(const char* name) {
-  const char* v = std::getenv(name);
-  return v ? std::string(v) : std::string();
-}
-
-// The configured connection setting: --dsn, else TOVRAND_DSN, else the configuration file. nullopt
-// when none of them exists, which asks for a private database.
-std::optional<std::string> configuredDsn(const std::string& explicitDsn) {
-  if (!explicitDsn.empty()) return explicitDsn;
-  if (std::string env = nonEmptyEnv("TOVRAND_DSN"); !env.empty()) return env;
-  std::string path = nonEmptyEnv("TOVRAND_CONFIG");
-  const bool named = !path.empty();
-  if (!named) path = ConnectionSettings::defaultConfigPath();
-  // A file named on purpose must be readable; the default one may simply not be there.
-  if (!named && !std::filesystem::exists(path)) return std::nullopt;
-  return ConnectionSettings::readConfigFile(path);
-}
 
 const CLI::Validator kIsoDate(
     [](const std::string& text) -> std::string {
@@ -71,20 +51,22 @@ int onDatabase(RunOptions options, const std::string& explicitDsn,
                const std::vector<std::string>& (*sqlTexts)(), const char* privateServerDate, Body body) {
   std::optional<std::string> dsn;
   try {
-    dsn = configuredDsn(explicitDsn);
+    // No setting anywhere asks for a private database.
+    dsn = tooling::resolveDsn(explicitDsn);
   } catch (const std::exception& e) {
     std::cerr << "tovrand: " << e.what() << '\n';
     return kUsageError;
   }
-  std::unique_ptr<PrivateDatabase> privateDatabase;
+  std::unique_ptr<tooling::PrivateServer> privateServer;
   if (!dsn) {
     try {
-      privateDatabase = std::make_unique<PrivateDatabase>(sqlTexts());
+      privateServer = std::make_unique<tooling::PrivateServer>();
+      for (const std::string& sql : sqlTexts()) privateServer->runSql(privateServer->database(), sql);
     } catch (const std::exception& e) {
       std::cerr << "tovrand: " << e.what() << '\n';
       return kFailure;
     }
-    dsn = privateDatabase->dsn();
+    dsn = privateServer->dsn();
     if (options.serverDate.empty() && privateServerDate) options.serverDate = privateServerDate;
   }
   options.dsn = *dsn;
@@ -175,7 +157,7 @@ int commandMain(int argc, char** argv) {
     return 0;
   }
   if (sandbox->parsed()) {
-    const std::optional<std::string> script = findSandboxScript();
+    const std::optional<std::string> script = tooling::findSandboxScript();
     if (!script) {
       std::cerr << "tovrand: cannot find scripts/sandbox\n";
       return kFailure;
@@ -186,7 +168,7 @@ int commandMain(int argc, char** argv) {
       std::cerr << sandbox->help();
       return kUsageError;
     }
-    return runProcess(args).status;
+    return tooling::runProcess(args).status;
   }
   return kUsageError;
 }

@@ -6,6 +6,7 @@
 #include "cli/Engine.h"
 #include "component/Component.h"
 #include "frame/Recordset.h"
+#include "tooling/NativeHostWiring.h"
 #include "vb/Text.h"
 #include "vb/VbError.h"
 
@@ -52,27 +53,6 @@ std::string dumped(const Json& j, int indent = -1) {
   return j.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
 
-// An answer laid out for people: the answer's fields and the arguments one per line, the rows of
-// lists one per line, each entity on one line.
-void writeReadable(std::ostream& out, const Json& j, int depth) {
-  const bool breakObject = j.is_object() && depth <= 1 && !j.empty();
-  const bool breakArray = j.is_array() && depth <= 2 && !j.empty() && (j.front().is_structured());
-  if (!breakObject && !breakArray) {
-    out << dumped(j);
-    return;
-  }
-  const std::string indent(static_cast<std::size_t>(depth + 1) * 2, ' ');
-  out << (breakObject ? "{" : "[");
-  bool first = true;
-  for (auto it = j.begin(); it != j.end(); ++it) {
-    out << (first ? "\n" : ",\n") << indent;
-    first = false;
-    if (breakObject) out << dumped(Json(it.key())) << ": ";
-    writeReadable(out, it.value(), depth + 1);
-  }
-  out << "\n" << std::string(static_cast<std::size_t>(depth) * 2, ' ') << (breakObject ? "}" : "]");
-}
-
 }  // namespace
 
 void ScriptRunner::CallTrace::statement(std::string_view sql, StatementOrigin origin) {
@@ -85,7 +65,7 @@ ScriptRunner::ScriptRunner(RunOptions options, HostFactory hostFactory)
     : options_(std::move(options)), hostFactory_(std::move(hostFactory)) {
   if (!hostFactory_) {
     hostFactory_ = [dsn = options_.dsn, serverDate = options_.serverDate](std::shared_ptr<MessageSink> sink) {
-      return makeNativeHost(dsn, serverDate, std::move(sink));
+      return tooling::makeNativeHost(dsn, serverDate, std::move(sink));
     };
   }
   previousTrace_ = traceSink();
@@ -278,17 +258,8 @@ int ScriptRunner::run(std::istream& in, std::ostream& out) {
     first = false;
     text = trimmed(text);
     if (text.empty()) continue;
-    if (text.front() == '#') {
-      if (options_.echo) out << text << '\n';
-      continue;
-    }
-    const Json reply = answer(text);
-    if (options_.echo) {
-      out << "> " << text << '\n';
-      writeReadable(out, reply, 0);
-      out << "\n\n";
-    } else
-      out << dumped(reply) << '\n';
+    if (text.front() == '#') continue;
+    out << dumped(answer(text)) << '\n';
     out.flush();
   }
   return 0;

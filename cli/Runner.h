@@ -26,9 +26,6 @@ struct RunOptions {
   bool trace = false;
   // "YYYY-MM-DD": replaces the setting's server_date option; "" keeps it.
   std::string serverDate;
-  // For the demo: comment lines are printed as captions, each request before its answer, answers
-  // indented over several lines.
-  bool echo = false;
 };
 
 // Builds the host that serves the objects, with the sink that gathers their messages. The default

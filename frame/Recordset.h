@@ -4,7 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "frame/OwnStatement.h"
 #include "vb/Value.h"
+#include "vb/VbError.h"
 
 namespace tovrand {
 
@@ -43,6 +45,14 @@ class Connection {
   // database; the next call opens a new session.
   virtual void beginCall() {}
   virtual void endCall() {}
+  // Runs one statement of the caller's own on this connection's session, outside the statement
+  // trace, and gives back its rows. A session found lost is replaced first, as for a member's
+  // statement, so that a caller preparing data is not stranded by a session the server ended.
+  // Raises a VbError with the server's message when the statement fails.
+  virtual OwnStatementResult runOwnStatement(std::string_view sql) {
+    (void)sql;
+    throw VbError(vberr::kProviderError, "this connection cannot run statements of the caller's own");
+  }
 };
 
 class Recordset;

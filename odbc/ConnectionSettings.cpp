@@ -351,15 +351,6 @@ std::string ConnectionSettings::dsnOfConfigText(std::string_view text, const std
   return first;
 }
 
-ConnectionSettings ConnectionSettings::resolve(const std::optional<std::string>& explicitDsn) {
-  if (explicitDsn && !trim(*explicitDsn).empty()) return parse(*explicitDsn);
-  std::string env = getEnv("TOVRAND_DSN");
-  if (!trim(env).empty()) return parse(env, "TOVRAND_DSN");
-  std::string path = getEnv("TOVRAND_CONFIG");
-  if (path.empty()) path = defaultConfigPath();
-  return parse(readConfigFile(path), "the connection setting in " + path);
-}
-
 std::string ConnectionSettings::odbcConnectionString() const {
   if (!rawOdbc.empty())
     return (rawTimeouts ? rawOdbc : rawOdbc + timeoutAttributes(*this)) + tlsAttributes(*this);

@@ -48,9 +48,6 @@ struct ConnectionSettings {
 
   // Parses one setting; `origin` names where it came from in error texts ("TOVRAND_DSN", a file).
   static ConnectionSettings parse(std::string_view dsn, std::string_view origin = "the connection setting");
-  // The explicit setting when given and not empty, else TOVRAND_DSN, else the configuration file
-  // (TOVRAND_CONFIG, default $XDG_CONFIG_HOME/tovrand/tovrand.conf or ~/.config/tovrand/tovrand.conf).
-  static ConnectionSettings resolve(const std::optional<std::string>& explicitDsn = std::nullopt);
   // The DSN the configuration file holds: the value of its `dsn=` line, else its first line that is
   // neither blank nor a comment (# or ;). Raises when the file cannot be read or holds none.
   static std::string readConfigFile(const std::string& path);

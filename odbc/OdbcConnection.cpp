@@ -5,6 +5,7 @@
 
 #include "odbc/Lock.h"
 #include "odbc/OdbcApi.h"
+#include "odbc/OwnStatement.h"
 #include "odbc/SessionCache.h"
 #include "vb/Text.h"
 
@@ -271,14 +272,6 @@ std::shared_ptr<OdbcConnection> OdbcConnection::openPrivate(const ConnectionSett
   return connect(settings);
 }
 
-std::size_t OdbcConnection::sharedCount() {
-  Registry& r = registry();
-  odbc::Guard lock(r.mutex);
-  std::size_t n = 0;
-  for (auto& [key, weak] : r.connections) n += weak.expired() ? 0 : 1;
-  return n;
-}
-
 const ConnectionSettings& OdbcConnection::settings() const {
   return impl_->settings;
 }
@@ -293,6 +286,10 @@ std::optional<Value> OdbcConnection::scalar(std::string_view sql, bool asText) {
   impl_->live();
   return impl_->firstValue(sql, asText);
 }
+OwnStatementResult OdbcConnection::runOwnStatement(std::string_view sql) {
+  void* dbc = impl_->live();
+  return impl_->guarded([&] { return odbc::runOwnStatement(dbc, sql); });
+}
 void* OdbcConnection::nativeHandle() {
   return impl_->live();
 }
@@ -306,10 +303,6 @@ void OdbcConnection::beginCall() {
 void OdbcConnection::endCall() {
   odbc::Guard state(impl_->stateMutex);
   if (impl_->calls > 0 && --impl_->calls == 0) impl_->held = false;
-}
-bool OdbcConnection::isLost() const {
-  odbc::Guard state(impl_->stateMutex);
-  return impl_->lost;
 }
 const std::string& OdbcConnection::secret() const {
   return impl_->secret;

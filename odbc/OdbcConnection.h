@@ -40,8 +40,6 @@ class OdbcConnection final : public Connection {
   static std::shared_ptr<OdbcConnection> acquire(const ConnectionSettings& settings);
   // A connection of its own, never shared (fixtures, tools).
   static std::shared_ptr<OdbcConnection> openPrivate(const ConnectionSettings& settings);
-  // How many shared connections are open in this process.
-  static std::size_t sharedCount();
 
   ~OdbcConnection() override;
   OdbcConnection(const OdbcConnection&) = delete;
@@ -58,6 +56,7 @@ class OdbcConnection final : public Connection {
   // The first column of the first row of a query run outside the trace; nullopt when there is no row.
   // `asText`: the value as the server's text (String), else as a recordset reads it.
   std::optional<Value> scalar(std::string_view sql, bool asText = false);
+  OwnStatementResult runOwnStatement(std::string_view sql) override;
 
   // For the engine: the SQLHDBC to allocate statements on, and the primary-key columns of a base table
   // (cached per table). After a lost session (markLost) the next nativeHandle() connects anew and sets
@@ -66,7 +65,6 @@ class OdbcConnection final : public Connection {
   // The session is gone (the engine saw `cause`, a lost-connection error): the next statement
   // reconnects, or, during a held call, fails with `cause` until the call ends.
   void markLost(const VbError& cause);
-  bool isLost() const;
   void beginCall() override;
   void endCall() override;
   std::vector<std::string> primaryKey(const std::string& catalog, const std::string& table);

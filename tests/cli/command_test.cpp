@@ -11,11 +11,15 @@
 
 #include "cli/Embedded.h"
 #include "cli/Json.h"
-#include "cli/Process.h"
 #include "tests/support/TestDatabase.h"
+#include "tooling/Process.h"
 
 namespace tovrand::cli {
 namespace {
+
+using tooling::executableDirectory;
+using tooling::ProcessResult;
+using tooling::runProcess;
 
 // The tovrand program built beside this test program.
 std::string tovrandProgram() {

@@ -7,11 +7,15 @@
 #include <gtest/gtest.h>
 
 #include "cli/Json.h"
-#include "cli/Process.h"
 #include "tests/support/TestDatabase.h"
+#include "tooling/Process.h"
 
 namespace tovrand::cli {
 namespace {
+
+using tooling::executableDirectory;
+using tooling::ProcessResult;
+using tooling::runProcess;
 
 std::string tovrandProgram() {
   return executableDirectory() + "/../tovrand";

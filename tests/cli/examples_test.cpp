@@ -8,11 +8,15 @@
 
 #include <gtest/gtest.h>
 
-#include "cli/Process.h"
 #include "tests/support/TestDatabase.h"
+#include "tooling/Process.h"
 
 namespace tovrand::cli {
 namespace {
+
+using tooling::executableDirectory;
+using tooling::ProcessResult;
+using tooling::runProcess;
 
 std::vector<std::string> linesOf(const std::string& text) {
   std::vector<std::string> lines;

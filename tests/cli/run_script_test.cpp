@@ -334,16 +334,42 @@ TEST_F(RunScriptTest, ChineseTextAndDatesRoundTripThroughTheDatabase) {
   EXPECT_EQ(e["F_InDate"], "1899-12-30 00:00:00");
 }
 
-TEST_F(RunScriptTest, EchoPrintsCaptionsRequestsAndAnswers) {
-  RunOptions echo;
-  echo.dsn = dsn();
-  echo.echo = true;
-  std::istringstream in("# Today's date\n{\"sql\":\"select 1 as one\"}\n");
-  std::ostringstream out;
-  EXPECT_EQ(runScript(in, out, echo), 0);
-  EXPECT_EQ(out.str(),
-            "# Today's date\n> {\"sql\":\"select 1 as one\"}\n{\n  \"ok\": true,\n  \"columns\": [\"one\"],\n"
-            "  \"rows\": [\n    [1]\n  ]\n}\n\n");
+// The script's session ended by the server (KILL CONNECTION from another connection): the fixture line
+// that meets the loss fails as a member's statement would, and the next one runs on a new session.
+TEST_F(RunScriptTest, AFixtureLineAfterAKilledSessionRunsOnANewSession) {
+  RunOptions options;
+  options.dsn = dsn();
+  ScriptRunner runner(options);
+  const Json first = runner.answer(R"js({"sql":"select connection_id() as id"})js");
+  ASSERT_TRUE(first.contains("rows")) << first.dump();
+  const std::int64_t killed = first["rows"][0][0].get<std::int64_t>();
+  exec("KILL CONNECTION " + std::to_string(killed));
+
+  const Json lost = runner.answer(R"js({"sql":"select connection_id() as id"})js");
+  EXPECT_FALSE(errorOf(lost).empty()) << lost.dump();
+  const Json again = runner.answer(R"js({"sql":"select connection_id() as id"})js");
+  ASSERT_TRUE(again.contains("rows")) << again.dump();
+  EXPECT_NE(again["rows"][0][0].get<std::int64_t>(), killed);
+  EXPECT_EQ(runner.answer(R"js({"sql":"insert into t_porder (F_ProdNo) values (2026110001)"})js").dump(),
+            R"js({"ok":true})js");
+}
+
+// A member that meets the lost session leaves it noted: the fixture line after it needs no failure of
+// its own to run on a new session.
+TEST_F(RunScriptTest, AFixtureLineAfterAMemberMetAKilledSessionSucceeds) {
+  RunOptions options;
+  options.dsn = dsn();
+  ScriptRunner runner(options);
+  const Json first = runner.answer(R"js({"sql":"select connection_id() as id"})js");
+  ASSERT_TRUE(first.contains("rows")) << first.dump();
+  const std::int64_t killed = first["rows"][0][0].get<std::int64_t>();
+  ASSERT_EQ(runner.answer(R"js({"new":"p","class":"clsDataPOrder"})js").dump(), R"js({"ok":true})js");
+  exec("KILL CONNECTION " + std::to_string(killed));
+
+  const Json call = runner.answer(R"js({"call":"p.QueryItem","args":{"Entity":{"F_ProdNo":2026110001}}})js");
+  EXPECT_EQ(call["result"], 0) << call.dump();
+  const Json again = runner.answer(R"js({"sql":"select count(*) as n from t_porder"})js");
+  EXPECT_EQ(again.dump(), R"js({"ok":true,"columns":["n"],"rows":[[0]]})js");
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include "odbc/NativeHost.h"
 #include "porder/clsDataPOrder.h"
 #include "tests/support/TestDatabase.h"
+#include "tooling/Dsn.h"
+#include "tooling/PrivateServer.h"
 #include "vb/VbError.h"
 
 namespace tovrand::test {
@@ -75,7 +77,7 @@ TEST_F(ConnectionFaults, AMissingSettingFailsCreation) {
   unsetenv("TOVRAND_DSN");
   setenv("TOVRAND_CONFIG", "/nonexistent/tovrand.conf", 1);
   try {
-    auto host = std::make_shared<NativeHost>(ConnectionSettings::resolve(),
+    auto host = std::make_shared<NativeHost>(ConnectionSettings::parse(tooling::resolveDsn().value_or("")),
                                              std::shared_ptr<MessageSink>(&sink, [](auto*) {}));
     clsDataPOrder object(host);
     ADD_FAILURE() << "created an object without any setting";
@@ -94,24 +96,15 @@ TEST_F(ConnectionFaults, AMissingSettingFailsCreation) {
 // A server started with lower_case_table_names=0 would let the component's mixed-case table names
 // address other tables: it is refused at creation, naming the setting.
 TEST(CaseSensitiveServer, IsRefusedAtCreationNamingTheSetting) {
-  std::string sandbox = std::string(TOVRAND_SOURCE_DIR) + "/scripts/sandbox";
-  std::string out = ::testing::TempDir() + "/tovrand-case-sandbox.txt";
-  std::string cmd = "TOVRAND_SANDBOX_ARGS=--lower-case-table-names=0 " + sandbox + " start --watch " +
-                    std::to_string(getpid()) + " > " + out;
-  ASSERT_EQ(std::system(cmd.c_str()), 0);
-  std::ifstream in(out);
-  std::string line, dsn, dir;
-  while (std::getline(in, line)) {
-    if (line.rfind("DSN=", 0) == 0) dsn = line.substr(4);
-    if (line.rfind("DIR=", 0) == 0) dir = line.substr(4);
-  }
-  ASSERT_FALSE(dsn.empty());
+  tooling::PrivateServer::Options options;
+  options.serverArgs = "--lower-case-table-names=0";
+  const tooling::PrivateServer server(options);
+  const std::string dsn = server.dsn();
   RecordingMessageSink sink;
   VbError e = creationError(dsn, sink);
   EXPECT_EQ(e.number(), vberr::kProviderError);
   EXPECT_NE(e.description().find("lower_case_table_names"), std::string::npos) << e.description();
   EXPECT_TRUE(sink.messages().empty());
-  std::system((sandbox + " stop " + dir).c_str());
 }
 
 }  // namespace

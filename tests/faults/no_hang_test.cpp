@@ -18,9 +18,10 @@
 #include "pmrph/clsDataPMrph.h"
 #include "pmrpi/clsDataPMrpi.h"
 #include "porder/clsDataPOrder.h"
-#include "tests/faults/PrivateServer.h"
 #include "tests/support/Printers.h"
 #include "tests/support/SessionFaults.h"
+#include "tooling/PrivateServer.h"
+#include "tooling/Relay.h"
 #include "vb/VbError.h"
 
 namespace tovrand::test {
@@ -45,13 +46,14 @@ std::string fileText(const std::string& path) {
 class NoHang : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
-    if (!std::getenv("TOVRAND_TEST_DSN")) server_ = std::make_unique<PrivateServer>();
+    if (!std::getenv("TOVRAND_TEST_DSN")) server_ = std::make_unique<tooling::PrivateServer>();
   }
   static void TearDownTestSuite() { server_.reset(); }
 
   void SetUp() override {
     if (!server_) GTEST_SKIP() << "needs a private server it may stop";
-    database_ = server_->newDatabase();
+    database_ = "frozen" + std::to_string(++databases_);
+    server_->createDatabase(database_, {fileText(std::string(TOVRAND_SOURCE_DIR) + "/schema/tovrand.sql")});
   }
   void TearDown() override {
     if (server_) server_->thaw();
@@ -73,12 +75,14 @@ class NoHang : public ::testing::Test {
     return porder;
   }
 
-  static std::unique_ptr<PrivateServer> server_;
+  static std::unique_ptr<tooling::PrivateServer> server_;
+  static int databases_;
   std::string database_;
   std::shared_ptr<RecordingMessageSink> messages_ = std::make_shared<RecordingMessageSink>();
 };
 
-std::unique_ptr<PrivateServer> NoHang::server_;
+std::unique_ptr<tooling::PrivateServer> NoHang::server_;
+int NoHang::databases_ = 0;
 
 TEST_F(NoHang, ACallToAServerThatStopsAnsweringEndsWithinTheTimeoutAndTheObjectRecovers) {
   clsEntPOrder order;
@@ -175,7 +179,7 @@ TEST_F(NoHang, ALineReleaseThatMeetsAFrozenServerWaitsForItOnlyOnce) {
 // The port stops carrying anything after the object was created: the call ends within the read
 // timeout, a reconnect within the connect timeout, and the object works again once the port does.
 TEST_F(NoHang, ABlackholedPortEndsTheCallWithinTheTimeoutAndTheObjectRecovers) {
-  BlackholeProxy port(server_->port());
+  tooling::Relay port(tooling::Relay::Upstream::tcpPort(server_->port()));
   clsEntPOrder order;
   auto reader = readerOfOneOrder(server_->tcpDsn(database_, port.port()) + "?timeout=2", order);
   clsDataPOrder& porder = *reader;
@@ -205,7 +209,7 @@ TEST_F(NoHang, ABlackholedPortEndsTheCallWithinTheTimeoutAndTheObjectRecovers) {
 // again, so the quantity is added once per call that succeeded.
 TEST_F(NoHang, AnUpdateCutOffByABlackholedPortIsNeverSentAgain) {
   server_->runSql(database_, "insert into t_porder (F_ProdNo, F_ProdQty) values (2026110001, 10)");
-  BlackholeProxy port(server_->port());
+  tooling::Relay port(tooling::Relay::Upstream::tcpPort(server_->port()));
   clsDataPOrder porder(hostOn(server_->tcpDsn(database_, port.port()) + "?timeout=2"));
   clsEntPOrder order;
   order.F_ProdNo(2026110001.0);
@@ -230,7 +234,7 @@ TEST_F(NoHang, AnUpdateCutOffByABlackholedPortIsNeverSentAgain) {
 // Creating an object behind a port that takes connections and never answers gives up after the
 // connect timeout, not the read timeout.
 TEST_F(NoHang, CreationBehindABlackholedPortFailsWithinTheConnectTimeout) {
-  BlackholeProxy port(server_->port());
+  tooling::Relay port(tooling::Relay::Upstream::tcpPort(server_->port()));
   port.blackhole();
   std::string dsn = server_->tcpDsn(database_, port.port()) + "?connect_timeout=2&timeout=60";
   double took = secondsOf([&] {
@@ -249,7 +253,7 @@ TEST_F(NoHang, CreationBehindABlackholedPortFailsWithinTheConnectTimeout) {
 // A statement the server cannot take in (the port carries nothing, the system's buffers fill up)
 // gives up after the write timeout.
 TEST_F(NoHang, AStatementThatCannotBeSentEndsWithinTheWriteTimeout) {
-  BlackholeProxy port(server_->port());
+  tooling::Relay port(tooling::Relay::Upstream::tcpPort(server_->port()));
   clsDataPOrder porder(hostOn(server_->tcpDsn(database_, port.port()) + "?timeout=2"));
   port.blackhole();
   Collection orders;

@@ -7,13 +7,13 @@
 #include <fstream>
 #include <sstream>
 
-#include "cli/Process.h"
 #include "component/Component.h"
 #include "entities/Entities.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "tests/support/TestDatabase.h"
+#include "tooling/Process.h"
 #include "vb/VbError.h"
 
 namespace tovrand::test {
@@ -55,10 +55,10 @@ class Secrets : public DatabaseTest {
   // `tovrand run` on `script`, its standard output and error together; TOVRAND_TRACE names a file.
   std::string runCommandLine(const std::vector<std::string>& options, const std::string& script) {
     std::string command =
-        "TOVRAND_TRACE='" + tracePath_ + "' '" + cli::executableDirectory() + "/../tovrand' run";
+        "TOVRAND_TRACE='" + tracePath_ + "' '" + tooling::executableDirectory() + "/../tovrand' run";
     for (const std::string& o : options) command += " '" + o + "'";
     command += " - 2>&1";
-    return cli::runProcess({"/bin/sh", "-c", command}, script, true).output;
+    return tooling::runProcess({"/bin/sh", "-c", command}, script, true).output;
   }
   std::string tracePath() const { return tracePath_; }
 
@@ -132,8 +132,8 @@ TEST_F(Secrets, TheCommandLineShowsNoPasswordWhenTheServerRefusesIt) {
   }
   // Through the environment, as a deployed client program gives it.
   std::string command =
-      "TOVRAND_DSN='" + wrongDsn() + "' '" + cli::executableDirectory() + "/../tovrand' demo 2>&1";
-  cli::ProcessResult demo = cli::runProcess({"/bin/sh", "-c", command}, std::nullopt, true);
+      "TOVRAND_DSN='" + wrongDsn() + "' '" + tooling::executableDirectory() + "/../tovrand' demo 2>&1";
+  tooling::ProcessResult demo = tooling::runProcess({"/bin/sh", "-c", command}, std::nullopt, true);
   EXPECT_NE(demo.status, 0);
   expectNoPassword(demo.output, "tovrand demo with a wrong password");
   expectNoPassword(readAll(tracePath()), "the TOVRAND_TRACE file");

@@ -179,41 +179,9 @@ TEST(ConnectionSettingsTest, AConfigurationFileTextGivesItsDsnLine) {
   EXPECT_THROW(ConnectionSettings::dsnOfConfigText("# nothing\n\n", "f"), VbError);
 }
 
-TEST(ConnectionSettingsTest, TheExplicitSettingWinsOverTheEnvironment) {
-  ScopedEnv env("TOVRAND_DSN", "mysql://env:p@envhost/envdb");
-  EXPECT_EQ(ConnectionSettings::resolve(std::string("mysql://arg:p@arghost/argdb")).host, "arghost");
-  EXPECT_EQ(ConnectionSettings::resolve().host, "envhost");
-}
-
-TEST(ConnectionSettingsTest, WithoutTovrandDsnTheConfigurationFileIsRead) {
-  ScopedEnv env("TOVRAND_DSN", nullptr);
-  std::string path = ::testing::TempDir() + "/tovrand-settings-test.conf";
-  {
-    std::ofstream out(path);
-    out << "# the production database\n\nlog=verbose\ndsn = mysql://cfg:p@cfghost/cfgdb\n";
-  }
-  ScopedEnv config("TOVRAND_CONFIG", path.c_str());
-  EXPECT_EQ(ConnectionSettings::resolve().host, "cfghost");
-  {
-    std::ofstream out(path);
-    out << "; comment\nmysql://first:p@firsthost/db\n";
-  }
-  EXPECT_EQ(ConnectionSettings::resolve().host, "firsthost");
-  std::remove(path.c_str());
-}
-
 TEST(ConnectionSettingsTest, TheDefaultConfigurationFileFollowsXdgConfigHome) {
   ScopedEnv xdg("XDG_CONFIG_HOME", "/cfg/home");
   EXPECT_EQ(ConnectionSettings::defaultConfigPath(), "/cfg/home/tovrand/tovrand.conf");
-}
-
-TEST(ConnectionSettingsTest, NoSettingAnywhereRaisesAnErrorNamingWhereItIsLookedFor) {
-  ScopedEnv env("TOVRAND_DSN", nullptr);
-  ScopedEnv config("TOVRAND_CONFIG", "/nonexistent/tovrand.conf");
-  VbError e = errorOf([] { ConnectionSettings::resolve(); });
-  EXPECT_EQ(e.number(), -2147467259);
-  EXPECT_NE(e.description().find("TOVRAND_DSN"), std::string::npos) << e.description();
-  EXPECT_NE(e.description().find("/nonexistent/tovrand.conf"), std::string::npos) << e.description();
 }
 
 }  // namespace

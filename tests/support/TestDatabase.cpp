@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "odbc/NativeHost.h"
+#include "tooling/SqlClient.h"
 #include "vb/Value.h"
 #include "vb/VbError.h"
 
@@ -20,20 +21,6 @@ namespace {
 
 constexpr const char* kDefaultServerDate = "2026-11-22";
 
-std::atomic<double> gStartSeconds{0.0};
-
-std::string shellQuote(const std::string& s) {
-  std::string out = "'";
-  for (char c : s) {
-    if (c == '\'') {
-      out += "'\\''";
-    } else {
-      out += c;
-    }
-  }
-  return out + "'";
-}
-
 std::string readFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return {};
@@ -42,33 +29,7 @@ std::string readFile(const std::string& path) {
   return text.str();
 }
 
-std::string lineValue(const std::string& output, const std::string& key) {
-  std::istringstream lines(output);
-  std::string line;
-  while (std::getline(lines, line)) {
-    if (line.rfind(key + "=", 0) == 0) return line.substr(key.size() + 1);
-  }
-  return {};
-}
-
-std::string runCommand(const std::string& command) {
-  std::string output;
-  if (std::FILE* pipe = ::popen(command.c_str(), "r")) {
-    char buffer[512];
-    while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) output += buffer;
-    int status = ::pclose(pipe);
-    if (status != 0) throw std::runtime_error("command failed (" + std::to_string(status) + "): " + output);
-  } else {
-    throw std::runtime_error("cannot run: " + command);
-  }
-  return output;
-}
-
 }  // namespace
-
-double sandboxStartSeconds() {
-  return gStartSeconds.load();
-}
 
 TestServer& TestServer::instance() {
   static TestServer server;
@@ -77,36 +38,12 @@ TestServer& TestServer::instance() {
 
 namespace {
 
-std::string sandboxScript() {
-  return shellQuote(std::string(TOVRAND_SOURCE_DIR) + "/scripts/sandbox");
-}
-
 bool restrictedByEnvironment() {
   const char* v = std::getenv("TOVRAND_TEST_ACCOUNT");
   return v != nullptr && std::string(v) == "component";
 }
 
 }  // namespace
-
-Sandbox startSandbox(const std::string& options) {
-  std::string output = runCommand(sandboxScript() + " start --watch " + std::to_string(::getpid()) +
-                                  (options.empty() ? "" : " " + options) + " 2>&1");
-  Sandbox sandbox;
-  sandbox.dsn = lineValue(output, "DSN");
-  sandbox.dir = lineValue(output, "DIR");
-  sandbox.port = std::atoi(lineValue(output, "PORT").c_str());
-  sandbox.ca = lineValue(output, "CA");
-  if (sandbox.dsn.empty() || sandbox.dir.empty())
-    throw std::runtime_error("the sandbox printed no DSN: " + output);
-  return sandbox;
-}
-
-void stopSandbox(const std::string& dir) {
-  std::string command = sandboxScript() + " stop " + shellQuote(dir) + " >/dev/null 2>&1";
-  if (std::system(command.c_str()) != 0) {
-    // The watcher started with the sandbox stops it when this program has gone.
-  }
-}
 
 ComponentAccount componentAccount() {
   // One account per test program, so that programs sharing a server (TOVRAND_TEST_DSN) keep apart.
@@ -127,12 +64,9 @@ TestServer::TestServer() {
   if (given != nullptr && *given != '\0') {
     settings_ = ConnectionSettings::parse(given, "TOVRAND_TEST_DSN");
   } else {
-    auto start = std::chrono::steady_clock::now();
     // The sandbox's own settings (one tablespace, no flushing) make a per-test database cheap.
-    Sandbox sandbox = startSandbox();
-    sandboxDir_ = sandbox.dir;
-    settings_ = ConnectionSettings::parse(sandbox.dsn, "the sandbox DSN");
-    gStartSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    sandbox_ = std::make_unique<tooling::PrivateServer>();
+    settings_ = ConnectionSettings::parse(sandbox_->dsn(), "the sandbox DSN");
   }
   admin_ = OdbcConnection::openPrivate(settings_);
 }
@@ -145,7 +79,7 @@ TestServer::~TestServer() {
     // The server is going anyway.
   }
   admin_.reset();
-  if (!sandboxDir_.empty()) stopSandbox(sandboxDir_);
+  sandbox_.reset();
 }
 
 std::string TestServer::dsnFor(const std::string& database) const {
@@ -166,28 +100,8 @@ std::string TestServer::socketPath() const {
 }
 
 void TestServer::runSql(const std::string& database, const std::string& sql) const {
-  char path[] = "/tmp/tovrand-sql.XXXXXX";
-  int fd = ::mkstemp(path);
-  if (fd < 0) throw std::runtime_error("cannot create a temporary file for SQL text");
-  ::close(fd);
-  {
-    std::ofstream out(path, std::ios::binary);
-    out << sql;
-  }
-  std::string connection = settings_.socket.empty()
-                               ? "-h " + shellQuote(settings_.host) +
-                                     (settings_.port != 0 ? " -P " + std::to_string(settings_.port) : "")
-                               : "--socket=" + shellQuote(settings_.socket);
-  std::string command = "MYSQL_PWD=" + shellQuote(settings_.password) + " mariadb --no-defaults -u" +
-                        shellQuote(settings_.user) + " " + connection + " " + shellQuote(database) + " < " +
-                        path + " 2>&1";
-  try {
-    runCommand(command);
-  } catch (...) {
-    ::unlink(path);
-    throw;
-  }
-  ::unlink(path);
+  tooling::SqlClient(settings_.user, settings_.password, settings_.socket, settings_.host, settings_.port)
+      .run(database, sql);
 }
 
 void TestServer::admin(const std::string& sql) {

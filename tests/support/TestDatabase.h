@@ -11,6 +11,7 @@
 #include "frame/Trace.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
+#include "tooling/PrivateServer.h"
 
 namespace tovrand::test {
 
@@ -42,25 +43,11 @@ class TestServer {
 
  private:
   TestServer();
+  std::unique_ptr<tooling::PrivateServer> sandbox_;  // none when TOVRAND_TEST_DSN names the server
   ConnectionSettings settings_;
-  std::string sandboxDir_;  // empty when TOVRAND_TEST_DSN names the server
   std::shared_ptr<OdbcConnection> admin_;
   int counter_ = 0;
 };
-
-// Seconds the last TestServer start took (0 when TOVRAND_TEST_DSN was used), for reports.
-double sandboxStartSeconds();
-
-// A private MariaDB started by scripts/sandbox, watched so that it stops when this program ends.
-struct Sandbox {
-  std::string dsn;  // over its socket, as the administrator tovrand
-  std::string dir;
-  int port = 0;    // its TCP port on 127.0.0.1
-  std::string ca;  // with --tls: the certificate the server presents (its own authority)
-};
-// `options`: more options of `scripts/sandbox start` ("--tls").
-Sandbox startSandbox(const std::string& options = "");
-void stopSandbox(const std::string& dir);
 
 // The account schema/grants.sql creates, as the tests load it: the component connects as it when a
 // test asks for it, with exactly the privileges a site gives the component.

@@ -1,4 +1,4 @@
-#include "cli/Process.h"
+#include "tooling/Process.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,8 +10,9 @@
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
+#include <string_view>
 
-namespace tovrand::cli {
+namespace tovrand::tooling {
 
 namespace {
 
@@ -59,7 +60,7 @@ int inputFile(const std::string& input) {
 }  // namespace
 
 ProcessResult runProcess(const std::vector<std::string>& argv, const std::optional<std::string>& input,
-                         bool captureOutput) {
+                         bool captureOutput, const std::vector<std::string>& environment) {
   if (argv.empty()) throw std::invalid_argument("runProcess: no program");
   FileDescriptor in(input ? inputFile(*input) : ::open("/dev/null", O_RDONLY | O_CLOEXEC));
   if (in.get() < 0) systemError("cannot open the standard input of " + argv[0]);
@@ -70,13 +71,28 @@ ProcessResult runProcess(const std::vector<std::string>& argv, const std::option
   std::vector<char*> args;
   for (const std::string& a : argv) args.push_back(const_cast<char*>(a.c_str()));
   args.push_back(nullptr);
+  // Built before the fork: the child of a threaded program may only call async-signal-safe functions.
+  std::vector<std::string> envText;
+  for (char** e = environ; *e != nullptr; ++e) {
+    const std::string_view entry(*e);
+    bool replaced = false;
+    for (const std::string& extra : environment) {
+      const std::size_t eq = extra.find('=');
+      replaced = replaced || entry.substr(0, entry.find('=')) == std::string_view(extra).substr(0, eq);
+    }
+    if (!replaced) envText.emplace_back(entry);
+  }
+  for (const std::string& extra : environment) envText.push_back(extra);
+  std::vector<char*> envp;
+  for (std::string& e : envText) envp.push_back(e.data());
+  envp.push_back(nullptr);
 
   const pid_t pid = ::fork();
   if (pid < 0) systemError("cannot start " + argv[0]);
   if (pid == 0) {
     ::dup2(in.get(), STDIN_FILENO);
     if (captureOutput) ::dup2(writeEnd.get(), STDOUT_FILENO);
-    ::execvp(args[0], args.data());
+    ::execvpe(args[0], args.data(), envp.data());
     ::_exit(127);
   }
   writeEnd.reset();
@@ -125,4 +141,4 @@ std::string executableDirectory() {
   return ec ? std::string() : exe.parent_path().string();
 }
 
-}  // namespace tovrand::cli
+}  // namespace tovrand::tooling
