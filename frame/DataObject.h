@@ -8,6 +8,7 @@
 #include "entities/Collection.h"
 #include "entities/Entity.h"
 #include "frame/Host.h"
+#include "frame/OpenForms.h"
 
 namespace tovrand {
 
@@ -79,6 +80,15 @@ class DataObject {
       added = 1;
       rs.MoveNext();
     }
+    return added;
+  }
+  // The same on m_Recordset opened with `sql` in the read form, closed after the last row.
+  template <class T, class ReadRow>
+  std::int16_t appendRows(const std::string& sql, Collection& col, ReadRow&& readRow) {
+    Recordset& rs = recordset();
+    openRead(rs, sql, connection());
+    const std::int16_t added = appendRows<T>(rs, col, readRow);
+    rs.Close();
     return added;
   }
 

@@ -68,10 +68,8 @@ std::int16_t clsDataPMrph::QueryBOrderhRecordset(clsEntBOrderh& Entity, double P
 std::int16_t clsDataPMrph::QueryPMrphRecordset(Collection& objColl, const std::string& SQLStr) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(rs, SQLStr, connection());
     // F_Status is not read here, unlike the other readers of the whole row: the entity keeps its own.
-    result = appendRows<clsEntPMrph>(rs, objColl, [](Recordset& row, clsEntPMrph& entity) {
+    result = appendRows<clsEntPMrph>(SQLStr, objColl, [](Recordset& row, clsEntPMrph& entity) {
       entity.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
       entity.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
       entity.F_OrderQty(fieldOr(row, "F_OrderQty", 0));
@@ -79,7 +77,6 @@ std::int16_t clsDataPMrph::QueryPMrphRecordset(Collection& objColl, const std::s
       entity.F_NeedQty(fieldOr(row, "F_NeedQty", 0));
       entity.F_PlanPurQty(fieldOr(row, "F_PlanPurQty", 0));
     });
-    rs.Close();
   } catch (...) {
     criticalHandler(result, kTitleErrorNotice, {.result = 0});
   }
@@ -167,10 +164,7 @@ std::int16_t clsDataPMrph::QueryByIDForPur(Collection& colPMrph, double dblStart
     const std::optional<std::string> range = purchasingRange(intCnt, "F_ProdNo", dblStart, dblEnd);
     // Any other range choice runs no query.
     if (!range) return result;
-    Recordset& rs = recordset();
-    openRead(rs, sql + *range, connection());
-    result = appendRows<clsEntPMrph>(rs, colPMrph, readPMrphRow);
-    rs.Close();
+    result = appendRows<clsEntPMrph>(sql + *range, colPMrph, readPMrphRow);
   } catch (...) {
     queryHandler(result, {.result = 0});
   }
@@ -187,10 +181,7 @@ std::int16_t clsDataPMrph::QueryByDeliverDate(Collection& colPMrph, VbDate datSt
     const std::optional<std::string> range = purchasingRange(intCnt, "F_DeliverDate", datStart, datEnd);
     // Any other range choice runs no query.
     if (!range) return result;
-    Recordset& rs = recordset();
-    openRead(rs, sql + *range, connection());
-    result = appendRows<clsEntPMrph>(rs, colPMrph, readPMrphRow);
-    rs.Close();
+    result = appendRows<clsEntPMrph>(sql + *range, colPMrph, readPMrphRow);
   } catch (...) {
     queryHandler(result, {.result = 0});
   }
@@ -200,15 +191,12 @@ std::int16_t clsDataPMrph::QueryByDeliverDate(Collection& colPMrph, VbDate datSt
 std::int16_t clsDataPMrph::QueryMonthDate(Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(rs,
-             "SELECT DISTINCT  left(F_ProdNo,6) as F_ProdNo  from T_PMrph  order by F_ProdNo desc limit 0,12",
-             connection());
-    result = appendRows<clsEntPMrph>(rs, objColl, [](Recordset& row, clsEntPMrph& entity) {
+    std::string sql =
+        "SELECT DISTINCT  left(F_ProdNo,6) as F_ProdNo  from T_PMrph  order by F_ProdNo desc limit 0,12";
+    result = appendRows<clsEntPMrph>(sql, objColl, [](Recordset& row, clsEntPMrph& entity) {
       // The year-month prefix as the database gives it, held as a number.
       entity.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
     });
-    rs.Close();
   } catch (...) {
     queryHandler(result, {.result = 0});
   }
@@ -218,13 +206,11 @@ std::int16_t clsDataPMrph::QueryMonthDate(Collection& objColl) {
 std::int16_t clsDataPMrph::QueryProdNo(Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(rs, "select *  from T_PMrph order by F_ProdNo Desc", connection());
-    result = appendRows<clsEntPMrph>(rs, objColl, [](Recordset& row, clsEntPMrph& entity) {
+    std::string sql = "select *  from T_PMrph order by F_ProdNo Desc";
+    result = appendRows<clsEntPMrph>(sql, objColl, [](Recordset& row, clsEntPMrph& entity) {
       entity.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
       entity.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
     });
-    rs.Close();
   } catch (...) {
     queryHandler(result, {.result = 0});
   }

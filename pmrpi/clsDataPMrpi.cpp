@@ -150,10 +150,7 @@ std::int16_t clsDataPMrpi::QueryByIDForPur(Collection& colPMrpi, double dblStart
     const std::optional<std::string> range = purchasingRange(intCnt, "F_ProdNo", dblStart, dblEnd);
     // No such range: nothing is run and the collection stays as it was.
     if (!range) return result;
-    Recordset& rs = recordset();
-    openRead(rs, sql + *range, connection());
-    result = appendRows<clsEntPMrpi>(rs, colPMrpi, readLine);
-    rs.Close();
+    result = appendRows<clsEntPMrpi>(sql + *range, colPMrpi, readLine);
   } catch (...) {
     queryHandler(result, {.result = 2});
   }
@@ -170,10 +167,7 @@ std::int16_t clsDataPMrpi::QueryByDeliverDate(Collection& colPMrpi, VbDate datSt
     const std::optional<std::string> range = purchasingRange(intCnt, "F_DeliverDate", datStart, datEnd);
     // No such range: nothing is run and the collection stays as it was.
     if (!range) return result;
-    Recordset& rs = recordset();
-    openRead(rs, sql + *range, connection());
-    result = appendRows<clsEntPMrpi>(rs, colPMrpi, readLine);
-    rs.Close();
+    result = appendRows<clsEntPMrpi>(sql + *range, colPMrpi, readLine);
   } catch (...) {
     queryHandler(result, {.result = 2});
   }
@@ -490,18 +484,14 @@ std::int16_t clsDataPMrpi::AddRecord(clsEntPMrpi& Entity) {
 Value clsDataPMrpi::getProdNoItemNo(Collection& objColl, const std::string& ProdNo) {
   Value result;
   try {
-    Recordset& rs = recordset();
-    openRead(rs,
-             "SELECT * From T_PMrph WHERE F_ProdNo like '%" + ProdNo +
-                 "%' And IFNull(F_Status,0)<>3 And IFNull(F_Status,0)<>2",
-             connection());
-    appendRows<clsEntPMrph>(rs, objColl, [](Recordset& row, clsEntPMrph& header) {
+    std::string sql = "SELECT * From T_PMrph WHERE F_ProdNo like '%" + ProdNo +
+                      "%' And IFNull(F_Status,0)<>3 And IFNull(F_Status,0)<>2";
+    appendRows<clsEntPMrph>(sql, objColl, [](Recordset& row, clsEntPMrph& header) {
       header.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
       header.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
       header.F_PlanPurQty(fieldOr(row, "F_PlanPurQty", 0));
       header.F_NeedQty(fieldOr(row, "F_NeedQty", 0));
     });
-    rs.Close();
   } catch (...) {
     std::int16_t unassigned = 0;  // the handler stores no result for this member
     queryHandler(unassigned);
@@ -512,17 +502,13 @@ Value clsDataPMrpi::getProdNoItemNo(Collection& objColl, const std::string& Prod
 Value clsDataPMrpi::getProdNoItemNoByPMrpi(Collection& objColl, const std::string& ProdNo) {
   Value result;
   try {
-    Recordset& rs = recordset();
-    openRead(rs,
-             "SELECT * From T_PMrpi WHERE F_ProdNo = '" + ProdNo +
-                 "' And IFNull(F_Status,0)<>3 And IFNull(F_Status,0)<>2",
-             connection());
-    appendRows<clsEntPMrpi>(rs, objColl, [](Recordset& row, clsEntPMrpi& line) {
+    std::string sql = "SELECT * From T_PMrpi WHERE F_ProdNo = '" + ProdNo +
+                      "' And IFNull(F_Status,0)<>3 And IFNull(F_Status,0)<>2";
+    appendRows<clsEntPMrpi>(sql, objColl, [](Recordset& row, clsEntPMrpi& line) {
       line.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
       line.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
       line.F_RequestQty(fieldOr(row, "F_RequestQty", 0));
     });
-    rs.Close();
   } catch (...) {
     std::int16_t unassigned = 0;  // the handler stores no result for this member
     queryHandler(unassigned);
@@ -533,18 +519,14 @@ Value clsDataPMrpi::getProdNoItemNoByPMrpi(Collection& objColl, const std::strin
 std::int16_t clsDataPMrpi::QueryAllNullRecord(Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(
-        rs,
+    std::string sql =
         "Select ih.F_ProdNo From (Select i.F_ProdNo From  "
         "(Select F_ProdNo From T_PMrpi Where F_Status = 3 OR F_Status = 2 ) i Union "
         "select h.F_ProdNo From (Select F_ProdNo From T_PMrph Where F_Status = 3 Or F_Status = 2 ) h) ih "
-        " Order By ih.F_ProdNo Desc  limit 1000",
-        connection());
-    result = appendRows<clsEntPMrph>(rs, objColl, [](Recordset& row, clsEntPMrph& header) {
+        " Order By ih.F_ProdNo Desc  limit 1000";
+    result = appendRows<clsEntPMrph>(sql, objColl, [](Recordset& row, clsEntPMrph& header) {
       header.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
     });
-    rs.Close();
   } catch (...) {
     writeHandler(result, {.result = 0});
   }

@@ -248,13 +248,9 @@ std::int16_t clsDataPOrderChk::QueryProdNoView(clsEntPOrderChk& Entity) {
 std::int16_t clsDataPOrderChk::QueryMonthDate(Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(
-        rs,
+    appendRows<clsEntPOrderChk>(
         "select distinct  left(F_ProdNo,6) as F_ProdNo  from T_POrderChk  order by F_ProdNo desc limit 0,12",
-        connection());
-    appendRows<clsEntPOrderChk>(rs, objColl, readProdNoOnly);
-    rs.Close();
+        objColl, readProdNoOnly);
     // No success value is ever stored: the filled collection is the answer.
   } catch (...) {
     writeHandler(result, {.result = 0});
@@ -265,10 +261,8 @@ std::int16_t clsDataPOrderChk::QueryMonthDate(Collection& objColl) {
 std::int16_t clsDataPOrderChk::QueryProdNo(Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(rs, "select F_ProdNo  from T_POrderChk order by F_ProdNo desc", connection());
-    appendRows<clsEntPOrderChk>(rs, objColl, readProdNoOnly);
-    rs.Close();
+    appendRows<clsEntPOrderChk>("select F_ProdNo  from T_POrderChk order by F_ProdNo desc", objColl,
+                                readProdNoOnly);
     // No success value is ever stored: the filled collection is the answer.
   } catch (...) {
     queryHandler(result);
@@ -370,10 +364,8 @@ std::int16_t clsDataPOrderChk::AddRecord(Collection& objColl, const std::string&
 std::int16_t clsDataPOrderChk::QureyDatabase(const std::string& SQLStr, Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
     // The caller's text runs as it stands; it must give the six columns read below.
-    openRead(rs, SQLStr, connection());
-    result = appendRows<clsEntBOrderh>(rs, objColl, [](Recordset& row, clsEntBOrderh& entity) {
+    result = appendRows<clsEntBOrderh>(SQLStr, objColl, [](Recordset& row, clsEntBOrderh& entity) {
       entity.F_OrderNo(fieldOr(row, "F_OrderNo", 0));
       entity.F_OrderDate(fieldOr(row, "F_OrderDate", "0:00:00"));
       entity.F_CorderNo(fieldOr(row, "F_CorderNo", ""));
@@ -381,7 +373,6 @@ std::int16_t clsDataPOrderChk::QureyDatabase(const std::string& SQLStr, Collecti
       entity.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
       entity.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
     });
-    rs.Close();
   } catch (...) {
     writeHandler(result, {.result = 0});
   }
