@@ -35,9 +35,6 @@ class clsDataPMrph : public DataObject {
                            double& S, double& SQ, double& AT, double& BN, double& ATi);
 
  private:
-  // The class's own two routines, not exposed; the interface skips the member identifier one of
-  // them holds (0x6003000F).
-
   // The figures of one material's requirement computation, named as the planning names them.
   struct Figures {
     double C1 = 0;  // open purchases
@@ -50,6 +47,9 @@ class clsDataPMrph : public DataObject {
     double SQ = 0;  // safety stock
     double BN = 0;  // stock not committed to any production order
   };
+
+  // The class's own two routines, not exposed; the interface skips the member identifier one of
+  // them holds (0x6003000F).
 
   // The figures of a header that may not exist yet, for AddRecord1: C1, X, A, P, M, K, S and SQ
   // computed into `f`; what an error cuts short stays as far as it got.
