@@ -40,8 +40,12 @@ build-asan: setup
 	cmake -S . -B $(ASAN_BUILD) $(CCACHE) -DCMAKE_BUILD_TYPE=Debug -DTOVRAND_SANITIZE=ON
 	cmake --build $(ASAN_BUILD) -j$(JOBS)
 
-# Follows one sales order through the four classes on a private database with the sample data.
-demo: build
+# Follows one sales order through the four classes on a private database with the sample data. It
+# builds only what it runs, the library and the tovrand command, in the build directory `build`
+# completes with the test programs.
+demo: setup
+	cmake -S . -B $(BUILD) $(CCACHE) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) -j$(JOBS) --target tovrand
 	$(BUILD)/tovrand demo
 
 test: test-native test-asan test-fuzz test-com

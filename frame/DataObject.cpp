@@ -37,7 +37,7 @@ void apply(std::int16_t& result, const HandlerOptions& options) {
 
 void DataObject::writeHandler(std::int16_t& result, HandlerOptions options) {
   VbError error = toVbError(std::current_exception());
-  if (options.dropRecordset) dropRecordset();
+  dropRecordset();
   apply(result, options);
   if (error.number() == vberr::kMultipleStep)
     messages().show(kTooLongMessage, vbInformation, kTitleQuenta);
@@ -47,7 +47,7 @@ void DataObject::writeHandler(std::int16_t& result, HandlerOptions options) {
 
 void DataObject::queryHandler(std::int16_t& result, HandlerOptions options) {
   VbError error = toVbError(std::current_exception());
-  if (options.dropRecordset) dropRecordset();
+  dropRecordset();
   apply(result, options);
   messages().show(error.description(), vbInformation, kTitleQuenta);
 }
@@ -56,7 +56,7 @@ void DataObject::criticalHandler(std::int16_t& result, const char* title, Handle
   VbError error = toVbError(std::current_exception());
   apply(result, options);
   messages().show(error.description(), vbCritical, title);
-  if (options.dropRecordset) dropRecordset();
+  dropRecordset();
 }
 
 }  // namespace tovrand

@@ -8,13 +8,13 @@
 #include "entities/Collection.h"
 #include "entities/Entity.h"
 #include "frame/Host.h"
+#include "frame/OpenForms.h"
 
 namespace tovrand {
 
-// How a handler ends a method: whether it sets m_Recordset to nothing and which result it stores
-// (none: the result stays as the method left it).
+// How a handler ends a method: the result it stores (none: the result stays as the method left it).
+// Every handler sets m_Recordset to nothing.
 struct HandlerOptions {
-  bool dropRecordset = true;
   std::optional<std::int16_t> result = std::nullopt;
 };
 
@@ -65,6 +65,31 @@ class DataObject {
   template <class T>
   T newEntity() {
     return T(host_->newEntity(T::Class()));
+  }
+
+  // The list loop: per row of `rs` from the current one to the end, a new entity of type T that
+  // readRow fills, appended to the caller's collection (never cleared first), then MoveNext. 1 when a
+  // row was added, else 0. An error propagates with the rows before it already in the collection.
+  template <class T, class ReadRow>
+  std::int16_t appendRows(Recordset& rs, Collection& col, ReadRow&& readRow) {
+    std::int16_t added = 0;
+    while (!rs.EOF_()) {
+      T entity = newEntity<T>();
+      readRow(rs, entity);
+      col.Add(entity);
+      added = 1;
+      rs.MoveNext();
+    }
+    return added;
+  }
+  // The same on m_Recordset opened with `sql` in the read form, closed after the last row.
+  template <class T, class ReadRow>
+  std::int16_t appendRows(const std::string& sql, Collection& col, ReadRow&& readRow) {
+    Recordset& rs = recordset();
+    openRead(rs, sql, connection());
+    const std::int16_t added = appendRows<T>(rs, col, readRow);
+    rs.Close();
+    return added;
   }
 
   // The handler forms. Call them from `catch (...)`: they report the exception being handled.

@@ -1,7 +1,10 @@
 #include "pmrph/clsDataPMrph.h"
 
+#include <utility>
+
 #include "frame/Messages.h"
 #include "frame/OpenForms.h"
+#include "frame/PurchasingRange.h"
 #include "vb/VbMath.h"
 
 namespace tovrand {
@@ -18,6 +21,19 @@ void readPMrphRow(Recordset& rs, clsEntPMrph& entity) {
   entity.F_PlanPurQty(fieldOr(rs, "F_PlanPurQty", 0));
   entity.F_Status(fieldOr(rs, "F_Status", 0));
 }
+
+// Runs its action however the scope is left, by its end or by an error passing through.
+template <class Action>
+class ScopeExit {
+ public:
+  explicit ScopeExit(Action action) : action_(std::move(action)) {}
+  ~ScopeExit() { action_(); }
+  ScopeExit(const ScopeExit&) = delete;
+  ScopeExit& operator=(const ScopeExit&) = delete;
+
+ private:
+  Action action_;
+};
 
 // A figure from the first row of a look-up ("0" when NULL), or 0 when the look-up found no row.
 double figureOrZero(Recordset& rs, std::string_view column) {
@@ -44,31 +60,25 @@ std::int16_t clsDataPMrph::QueryBOrderhRecordset(clsEntBOrderh& Entity, double P
     rs.Close();
     // No success value is stored: callers judge by the filled entity, and 0 is all they get.
   } catch (...) {
-    criticalHandler(result, kTitleErrorNotice, {.dropRecordset = true, .result = 2});
+    criticalHandler(result, kTitleErrorNotice, {.result = 2});
   }
   return result;
 }
 
-std::int16_t clsDataPMrph::QueryPMrphRecordset(Collection& objColl, std::string& SQLStr) {
+std::int16_t clsDataPMrph::QueryPMrphRecordset(Collection& objColl, const std::string& SQLStr) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(rs, SQLStr, connection());
-    while (!rs.EOF_()) {
-      clsEntPMrph entity = newEntity<clsEntPMrph>();
-      entity.F_ProdNo(fieldOr(rs, "F_ProdNo", 0));
-      entity.F_ItemNo(fieldOr(rs, "F_ItemNo", ""));
-      entity.F_OrderQty(fieldOr(rs, "F_OrderQty", 0));
-      entity.F_SafeQty(fieldOr(rs, "F_SafeQty", 0));
-      entity.F_NeedQty(fieldOr(rs, "F_NeedQty", 0));
-      entity.F_PlanPurQty(fieldOr(rs, "F_PlanPurQty", 0));
-      objColl.Add(entity);
-      result = 1;
-      rs.MoveNext();
-    }
-    rs.Close();
+    // F_Status is not read here, unlike the other readers of the whole row: the entity keeps its own.
+    result = appendRows<clsEntPMrph>(SQLStr, objColl, [](Recordset& row, clsEntPMrph& entity) {
+      entity.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
+      entity.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
+      entity.F_OrderQty(fieldOr(row, "F_OrderQty", 0));
+      entity.F_SafeQty(fieldOr(row, "F_SafeQty", 0));
+      entity.F_NeedQty(fieldOr(row, "F_NeedQty", 0));
+      entity.F_PlanPurQty(fieldOr(row, "F_PlanPurQty", 0));
+    });
   } catch (...) {
-    criticalHandler(result, kTitleErrorNotice, {.dropRecordset = true, .result = 0});
+    criticalHandler(result, kTitleErrorNotice, {.result = 0});
   }
   return result;
 }
@@ -87,7 +97,7 @@ std::int16_t clsDataPMrph::QueryPMrphStatus(clsEntPMrph& Entity) {
     }
     rs.Close();
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -105,7 +115,7 @@ std::int16_t clsDataPMrph::QueryByItemNo(clsEntPMrph& objEntPMrph) {
     }
     rs.Close();
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 0});
+    queryHandler(result, {.result = 0});
   }
   return result;
 }
@@ -132,7 +142,7 @@ std::int16_t clsDataPMrph::UpdateRecord(clsEntPMrph& Entity) {
     }
     rs.Close();
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -151,26 +161,12 @@ std::int16_t clsDataPMrph::QueryByIDForPur(Collection& colPMrph, double dblStart
             "%' and F_PlanPurQty > '0' and F_ProdNo in (select F_ProdNo from T_POrder where F_Status <> '1' "
             "and F_Status <> '2'";
     }
-    switch (intCnt) {
-      case 1:
-        sql += " and F_ProdNo >= '" + CStr(dblStart) + "' and F_ProdNo <= '" + CStr(dblEnd) + "')";
-        break;
-      case 2:
-        sql += " and F_ProdNo >= '" + CStr(dblStart) + "')";
-        break;
-      case 3:
-        sql += " and F_ProdNo <= '" + CStr(dblEnd) + "')";
-        break;
-      case 4:
-        sql += ")";
-        break;
-      default:
-        // Any other range choice runs no query.
-        return result;
-    }
-    result = readPMrphList(sql, colPMrph);
+    const std::optional<std::string> range = purchasingRange(intCnt, "F_ProdNo", dblStart, dblEnd);
+    // Any other range choice runs no query.
+    if (!range) return result;
+    result = appendRows<clsEntPMrph>(sql + *range, colPMrph, readPMrphRow);
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 0});
+    queryHandler(result, {.result = 0});
   }
   return result;
 }
@@ -182,26 +178,12 @@ std::int16_t clsDataPMrph::QueryByDeliverDate(Collection& colPMrph, VbDate datSt
     std::string sql =
         "select * from T_PMrph where F_PlanPurQty > '0' and F_ProdNo in (select F_ProdNo from T_POrder where "
         "F_Status <> '1' and F_Status <> '2'";
-    switch (intCnt) {
-      case 1:
-        sql += " and F_DeliverDate >= '" + CStr(datStart) + "' and F_DeliverDate <= '" + CStr(datEnd) + "')";
-        break;
-      case 2:
-        sql += " and F_DeliverDate >= '" + CStr(datStart) + "')";
-        break;
-      case 3:
-        sql += " and F_DeliverDate <= '" + CStr(datEnd) + "')";
-        break;
-      case 4:
-        sql += ")";
-        break;
-      default:
-        // Any other range choice runs no query.
-        return result;
-    }
-    result = readPMrphList(sql, colPMrph);
+    const std::optional<std::string> range = purchasingRange(intCnt, "F_DeliverDate", datStart, datEnd);
+    // Any other range choice runs no query.
+    if (!range) return result;
+    result = appendRows<clsEntPMrph>(sql + *range, colPMrph, readPMrphRow);
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 0});
+    queryHandler(result, {.result = 0});
   }
   return result;
 }
@@ -209,21 +191,14 @@ std::int16_t clsDataPMrph::QueryByDeliverDate(Collection& colPMrph, VbDate datSt
 std::int16_t clsDataPMrph::QueryMonthDate(Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(rs,
-             "SELECT DISTINCT  left(F_ProdNo,6) as F_ProdNo  from T_PMrph  order by F_ProdNo desc limit 0,12",
-             connection());
-    while (!rs.EOF_()) {
-      clsEntPMrph entity = newEntity<clsEntPMrph>();
+    std::string sql =
+        "SELECT DISTINCT  left(F_ProdNo,6) as F_ProdNo  from T_PMrph  order by F_ProdNo desc limit 0,12";
+    result = appendRows<clsEntPMrph>(sql, objColl, [](Recordset& row, clsEntPMrph& entity) {
       // The year-month prefix as the database gives it, held as a number.
-      entity.F_ProdNo(fieldOr(rs, "F_ProdNo", 0));
-      objColl.Add(entity);
-      result = 1;
-      rs.MoveNext();
-    }
-    rs.Close();
+      entity.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
+    });
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 0});
+    queryHandler(result, {.result = 0});
   }
   return result;
 }
@@ -231,19 +206,13 @@ std::int16_t clsDataPMrph::QueryMonthDate(Collection& objColl) {
 std::int16_t clsDataPMrph::QueryProdNo(Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(rs, "select *  from T_PMrph order by F_ProdNo Desc", connection());
-    while (!rs.EOF_()) {
-      clsEntPMrph entity = newEntity<clsEntPMrph>();
-      entity.F_ProdNo(fieldOr(rs, "F_ProdNo", 0));
-      entity.F_ItemNo(fieldOr(rs, "F_ItemNo", ""));
-      objColl.Add(entity);
-      result = 1;
-      rs.MoveNext();
-    }
-    rs.Close();
+    std::string sql = "select *  from T_PMrph order by F_ProdNo Desc";
+    result = appendRows<clsEntPMrph>(sql, objColl, [](Recordset& row, clsEntPMrph& entity) {
+      entity.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
+      entity.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
+    });
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 0});
+    queryHandler(result, {.result = 0});
   }
   return result;
 }
@@ -260,7 +229,7 @@ std::int16_t clsDataPMrph::QueryStatus(clsEntPOrder& Entity) {
     }
     rs.Close();
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 0});
+    queryHandler(result, {.result = 0});
   }
   return result;
 }
@@ -277,7 +246,7 @@ std::int16_t clsDataPMrph::QueryProdNoRecord(clsEntPMrph& Entity) {
     }
     rs.Close();
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 0});
+    queryHandler(result, {.result = 0});
   }
   return result;
 }
@@ -288,20 +257,19 @@ std::int16_t clsDataPMrph::AddRecord1(clsEntPMrph& Entity, Collection& objCollD)
     // AccountNewData and AddReduceRecord report their own errors and the planning goes on.
     const CallScope call(connection());
     const std::string prodNo = CStr(Entity.F_ProdNo());
-    // The figures of the computation: purchases, free stock above safety stock, stock to take,
-    // requirement, remaining requirement, quantity to buy, stock on hand, safety stock. One set
-    // serves the header and every line, each computation starting from what the last one left.
-    double C1 = 0, X = 0, A = 0, P = 0, M = 0, K = 0, S = 0, SQ = 0;
+    // One set of figures serves the header and every line, each computation starting from what the
+    // last one left.
+    Figures f;
 
     openRead(recordset(), "SELECT * FROM T_PMrph WHERE F_ProdNo=" + prodNo, connection());
     if (noRows(recordset())) {
       // The computation's status is not looked at: a failed computation has shown its message and
       // the header is written with the figures it reached.
-      AccountNewData(Entity, C1, X, A, P, M, K, S, SQ);
-      Entity.F_PlanPurQty(K);
-      Entity.F_NeedQty(M);
-      Entity.F_SafeQty(SQ);
-      Entity.F_OrderQty(P);
+      AccountNewData(Entity, f);
+      Entity.F_PlanPurQty(f.K);
+      Entity.F_NeedQty(f.M);
+      Entity.F_SafeQty(f.SQ);
+      Entity.F_OrderQty(f.P);
 
       renewRecordset();
       Recordset& header = recordset();
@@ -320,7 +288,7 @@ std::int16_t clsDataPMrph::AddRecord1(clsEntPMrph& Entity, Collection& objCollD)
       reservation.F_ProdNo(Entity.F_ProdNo());
       reservation.F_ItemNo(Entity.F_ItemNo());
       // What is reserved is the stock the computation takes for the header.
-      reservation.F_ReduceQty(A);
+      reservation.F_ReduceQty(f.A);
       AddReduceRecord(reservation);
     }
 
@@ -330,20 +298,21 @@ std::int16_t clsDataPMrph::AddRecord1(clsEntPMrph& Entity, Collection& objCollD)
       clsEntPMrpi line(objCollD.Item(i));
       // The header's material on every line: C1, X and SQ are the header's figures, and the
       // header's F_NeedQty and F_PlanPurQty are as set above or as the caller put them.
-      AccountNewData(Entity, C1, X, A, P, M, K, S, SQ);
+      AccountNewData(Entity, f);
       // Dosage and waste go through their text form and back, on every use.
       double dosage = CDbl(Value(CStr(line.F_Dosage())));
       double waste = CDbl(Value(CStr(line.F_Waste())));
       // What is to be made (the remaining requirement not bought directly), at the material's
       // dosage per unit plus its waste rate, less purchases and free stock.
-      double G = checkedDouble((Entity.F_NeedQty() - Entity.F_PlanPurQty()) * dosage * (waste + 1) - C1 - X);
+      double G =
+          checkedDouble((Entity.F_NeedQty() - Entity.F_PlanPurQty()) * dosage * (waste + 1) - f.C1 - f.X);
       double lineTake = 0;
       double requestQty = 0;
       if (G > 0) {
-        lineTake = X;
+        lineTake = f.X;
         requestQty = G;
       } else {
-        double H = checkedDouble((Entity.F_NeedQty() - Entity.F_PlanPurQty()) * dosage * (waste + 1) - C1);
+        double H = checkedDouble((Entity.F_NeedQty() - Entity.F_PlanPurQty()) * dosage * (waste + 1) - f.C1);
         lineTake = H < 0 ? 0 : H;
         requestQty = 0;
         if (lineTake < 0) lineTake = 0;
@@ -354,7 +323,7 @@ std::int16_t clsDataPMrph::AddRecord1(clsEntPMrph& Entity, Collection& objCollD)
       lines->Fields("F_ItemNo") = line.F_ItemNo();
       lines->Fields("F_Dosage") = dosage;
       lines->Fields("F_Waste") = waste;
-      lines->Fields("F_SafeQty") = SQ;
+      lines->Fields("F_SafeQty") = f.SQ;
       lines->Fields("F_RequestQty") = requestQty;
       lines->Fields("F_LeadTime") = line.F_LeadTime();
       lines->Fields("F_Status") = 1;
@@ -372,7 +341,7 @@ std::int16_t clsDataPMrph::AddRecord1(clsEntPMrph& Entity, Collection& objCollD)
     dropRecordset();
     result = 1;
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -396,7 +365,7 @@ std::int16_t clsDataPMrph::AddRecord(clsEntPMrph& Entity) {
       result = 1;
     }
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -406,9 +375,21 @@ std::int16_t clsDataPMrph::AccountData(clsEntPMrph& Entity, double& C1, double& 
                                        double& ATi) {
   std::int16_t result = 0;
   try {
+    // The computation starts from the caller's figures (X from 0), and they go back to the caller
+    // however it ends: an error leaves them as far as it got.
+    Figures f{.C1 = C1, .X = 0, .A = A, .P = P, .M = M, .K = K, .S = S, .SQ = SQ, .BN = BN};
+    const ScopeExit writeBack([&] {
+      C1 = f.C1;
+      A = f.A;
+      P = f.P;
+      M = f.M;
+      K = f.K;
+      S = f.S;
+      SQ = f.SQ;
+      BN = f.BN;
+    });
     const std::string prodNo = CStr(Entity.F_ProdNo());
     const std::string itemNo = Entity.F_ItemNo();
-    double X = 0;  // free stock above safety stock
 
     // The header, on a new class recordset: keyset and optimistic, which the open keeps.
     renewRecordset();
@@ -419,8 +400,8 @@ std::int16_t clsDataPMrph::AccountData(clsEntPMrph& Entity, double& C1, double& 
       return result;
     }
     // The planned purchase as it stands.
-    K = CDbl(fieldOr(recordset(), "F_PlanPurQty", "0"));
-    lookUpRequirement(prodNo, itemNo, P, SQ, BN, X, S);
+    f.K = CDbl(fieldOr(recordset(), "F_PlanPurQty", "0"));
+    lookUpRequirement(prodNo, itemNo, f);
     // Open purchases of this production order and material, closed ones (status 3) left out.
     std::shared_ptr<Recordset> purchases = newRecordset();
     openStatement(*purchases,
@@ -428,7 +409,7 @@ std::int16_t clsDataPMrph::AccountData(clsEntPMrph& Entity, double& C1, double& 
                   "F_Status<>3) h WHERE F_ItemNo='" +
                       itemNo + "' and F_Status<>3 and F_ProdNo=" + prodNo + " and F_PurNo=h.PurNo",
                   connection(), adOpenKeyset, adLockBatchOptimistic, adCmdUnspecified);
-    C1 = figureOrZero(*purchases, "C1");
+    f.C1 = figureOrZero(*purchases, "C1");
     // Stock already reserved for it.
     std::shared_ptr<Recordset> reserved = newRecordset();
     openStatement(
@@ -439,76 +420,77 @@ std::int16_t clsDataPMrph::AccountData(clsEntPMrph& Entity, double& C1, double& 
     ATi = AT;
 
     // What the order still lacks after purchases, free stock and the stock reserved already.
-    double D = checkedDouble(P - C1 - X - AT);
+    double D = checkedDouble(f.P - f.C1 - f.X - AT);
     if (D >= 0) {
       // Stock and purchases do not cover the need: all the free stock is taken.
-      A = X;
-      if (A < 0) A = 0;
-      AT = checkedDouble(AT + A);
-      M = checkedDouble(P - C1 - AT);
+      f.A = f.X;
+      if (f.A < 0) f.A = 0;
+      AT = checkedDouble(AT + f.A);
+      f.M = checkedDouble(f.P - f.C1 - AT);
     } else {
       // Covered: only what is still missing is taken.
-      A = checkedDouble(P - C1 - AT);
-      if (A < 0) A = 0;
-      AT = checkedDouble(AT + A);
-      M = 0;
+      f.A = checkedDouble(f.P - f.C1 - AT);
+      if (f.A < 0) f.A = 0;
+      AT = checkedDouble(AT + f.A);
+      f.M = 0;
     }
-    if (K >= M) {
-      K = M;
-    } else if (K <= 0) {
-      K = 0;
+    if (f.K >= f.M) {
+      f.K = f.M;
+    } else if (f.K <= 0) {
+      f.K = 0;
     }
 
     dropRecordset();
     result = 1;
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
 
-std::int16_t clsDataPMrph::AccountNewData(clsEntPMrph& Entity, double& C1, double& X, double& A, double& P,
-                                          double& M, double& K, double& S, double& SQ) {
+std::int16_t clsDataPMrph::AccountNewData(clsEntPMrph& Entity, Figures& f) {
   std::int16_t result = 0;
   try {
     const std::string prodNo = CStr(Entity.F_ProdNo());
     const std::string itemNo = Entity.F_ItemNo();
-    double BN = 0;  // stock not committed to any production order
+    // The uncommitted stock is this computation's own: without a stock header it is 0, not what an
+    // earlier computation found.
+    f.BN = 0;
 
     renewRecordset();
     openInsert(recordset(), "SELECT * FROM T_PMrph WHERE F_ProdNo=" + prodNo, connection());
     // Tested for rows, and nothing depends on it: the header may not exist yet.
     (void)noRows(recordset());
 
-    std::string way = lookUpRequirement(prodNo, itemNo, P, SQ, BN, X, S);
+    std::string way = lookUpRequirement(prodNo, itemNo, f);
     std::shared_ptr<Recordset> purchases = newRecordset();
     openStatement(*purchases,
                   "SELECT SUM(F_PurQty) as C1 FROM T_CPuri ,(select F_PurNo as PurNo from T_CPurh where  "
                   "F_Status<>3) h WHERE F_ItemNo='" +
                       itemNo + "' and F_Status<>3 and F_ProdNo=" + prodNo + " and F_PurNo=h.PurNo",
                   connection(), adOpenKeyset, adLockBatchOptimistic, adCmdUnspecified);
-    C1 = figureOrZero(*purchases, "C1");
+    f.C1 = figureOrZero(*purchases, "C1");
 
-    X = checkedDouble(BN - SQ);
-    if (X < 0) X = 0;
-    double D = checkedDouble(P - C1 - X);
+    f.X = checkedDouble(f.BN - f.SQ);
+    if (f.X < 0) f.X = 0;
+    double D = checkedDouble(f.P - f.C1 - f.X);
     if (D > 0) {
-      A = X;
-      M = checkedDouble(P - C1 - A);
+      f.A = f.X;
+      f.M = checkedDouble(f.P - f.C1 - f.A);
     } else {
       // D is worked out and tested above zero once more here; at this point the test never holds.
-      D = checkedDouble(P - C1 - X);
-      A = checkedDouble(P - C1);
-      M = 0;
+      D = checkedDouble(f.P - f.C1 - f.X);
+      f.A = checkedDouble(f.P - f.C1);
+      f.M = 0;
     }
-    if (A < 0) A = 0;
+    if (f.A < 0) f.A = 0;
     // Only a direct-purchase order plans a purchase; any other way has its need made.
-    K = (way == "直接采购" && M > 0) ? M : 0;
+    f.K = (way == "直接采购" && f.M > 0) ? f.M : 0;
 
     dropRecordset();
     result = 1;
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -556,13 +538,13 @@ std::int16_t clsDataPMrph::AddReduceRecord(clsEntWStockQtys& Entity) {
     dropRecordset();
     result = 1;
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
 
-std::string clsDataPMrph::lookUpRequirement(const std::string& prodNo, const std::string& itemNo, double& P,
-                                            double& SQ, double& BN, double& X, double& S) {
+std::string clsDataPMrph::lookUpRequirement(const std::string& prodNo, const std::string& itemNo,
+                                            Figures& f) {
   std::string way;
   // The review row and the sales-order line give the requirement; without a review row P stays.
   std::shared_ptr<Recordset> review = newRecordset();
@@ -574,9 +556,10 @@ std::string clsDataPMrph::lookUpRequirement(const std::string& prodNo, const std
     openStatement(*salesLine, "Select * From T_BOrderi Where F_ProdNo='" + prodNo + "'", connection(),
                   adOpenKeyset, adLockPessimistic, adCmdUnspecified);
     if (noRows(*salesLine)) {
-      P = CDbl(fieldOr(*review, "F_OrderCount", 0));
+      f.P = CDbl(fieldOr(*review, "F_OrderCount", 0));
     } else {
-      P = checkedDouble(CDbl(fieldOr(*review, "F_OrderCount", 0)) + CDbl(fieldOr(*salesLine, "F_BkQty", 0)));
+      f.P =
+          checkedDouble(CDbl(fieldOr(*review, "F_OrderCount", 0)) + CDbl(fieldOr(*salesLine, "F_BkQty", 0)));
     }
     way = CStr(fieldOr(*review, "F_Way", ""));
   }
@@ -587,13 +570,13 @@ std::string clsDataPMrph::lookUpRequirement(const std::string& prodNo, const std
   openStatement(*stock, "SELECT * FROM T_WStockQtyh WHERE F_ItemNo='" + itemNo + "'", connection(),
                 adOpenKeyset, adLockBatchOptimistic, adCmdUnspecified);
   if (!noRows(*stock)) {
-    SQ = CDbl(fieldOr(*stock, "F_SafeQty", "0"));
-    BN = CDbl(fieldOr(*stock, "F_NoPoStockQty", "0"));
-    X = checkedDouble(BN - SQ);
-    if (X <= 0) X = 0;
+    f.SQ = CDbl(fieldOr(*stock, "F_SafeQty", "0"));
+    f.BN = CDbl(fieldOr(*stock, "F_NoPoStockQty", "0"));
+    f.X = checkedDouble(f.BN - f.SQ);
+    if (f.X <= 0) f.X = 0;
   } else {
-    X = 0;
-    SQ = 0;
+    f.X = 0;
+    f.SQ = 0;
   }
 
   // The stock on hand, all warehouse lines together.
@@ -602,23 +585,8 @@ std::string clsDataPMrph::lookUpRequirement(const std::string& prodNo, const std
       *stockLines,
       "SELECT sum(F_StockQty) as S FROM T_WStockQtyi WHERE F_ItemNo='" + itemNo + "' group by F_ItemNo",
       connection(), adOpenKeyset, adLockBatchOptimistic, adCmdUnspecified);
-  S = figureOrZero(*stockLines, "S");
+  f.S = figureOrZero(*stockLines, "S");
   return way;
-}
-
-std::int16_t clsDataPMrph::readPMrphList(const std::string& sql, Collection& col) {
-  std::int16_t added = 0;
-  Recordset& rs = recordset();
-  openRead(rs, sql, connection());
-  while (!rs.EOF_()) {
-    clsEntPMrph entity = newEntity<clsEntPMrph>();
-    readPMrphRow(rs, entity);
-    col.Add(entity);
-    added = 1;
-    rs.MoveNext();
-  }
-  rs.Close();
-  return added;
 }
 
 }  // namespace tovrand

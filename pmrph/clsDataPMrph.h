@@ -17,7 +17,7 @@ class clsDataPMrph : public DataObject {
   explicit clsDataPMrph(std::shared_ptr<Host> host) : DataObject(std::move(host)) {}
 
   std::int16_t QueryBOrderhRecordset(clsEntBOrderh& Entity, double ProdNo);
-  std::int16_t QueryPMrphRecordset(Collection& objColl, std::string& SQLStr);
+  std::int16_t QueryPMrphRecordset(Collection& objColl, const std::string& SQLStr);
   std::int16_t QueryPMrphStatus(clsEntPMrph& Entity);
   std::int16_t QueryByItemNo(clsEntPMrph& objEntPMrph);
   std::int16_t UpdateRecord(clsEntPMrph& Entity);
@@ -35,14 +35,25 @@ class clsDataPMrph : public DataObject {
                            double& S, double& SQ, double& AT, double& BN, double& ATi);
 
  private:
+  // The figures of one material's requirement computation, named as the planning names them.
+  struct Figures {
+    double C1 = 0;  // open purchases
+    double X = 0;   // free stock above safety stock
+    double A = 0;   // stock to take
+    double P = 0;   // requirement
+    double M = 0;   // remaining requirement
+    double K = 0;   // quantity to buy
+    double S = 0;   // stock on hand
+    double SQ = 0;  // safety stock
+    double BN = 0;  // stock not committed to any production order
+  };
+
   // The class's own two routines, not exposed; the interface skips the member identifier one of
   // them holds (0x6003000F).
 
-  // The figures of a header that may not exist yet, for AddRecord1: purchases C1, free stock above
-  // safety stock X, stock to take A, requirement P, remaining requirement M, quantity to buy K,
-  // stock on hand S, safety stock SQ.
-  std::int16_t AccountNewData(clsEntPMrph& Entity, double& C1, double& X, double& A, double& P, double& M,
-                              double& K, double& S, double& SQ);
+  // The figures of a header that may not exist yet, for AddRecord1: C1, X, A, P, M, K, S and SQ
+  // computed into `f`; what an error cuts short stays as far as it got.
+  std::int16_t AccountNewData(clsEntPMrph& Entity, Figures& f);
   // Reserves F_ReduceQty of the material for the production order and lowers the stock not yet
   // committed accordingly.
   std::int16_t AddReduceRecord(clsEntWStockQtys& Entity);
@@ -52,11 +63,7 @@ class clsDataPMrph : public DataObject {
   // (safety stock SQ, uncommitted stock BN, kept as passed without a header, and X, the free stock
   // above safety stock), the stock lines (stock on hand S). Returns the review's procurement way
   // ("" without a review row).
-  std::string lookUpRequirement(const std::string& prodNo, const std::string& itemNo, double& P, double& SQ,
-                                double& BN, double& X, double& S);
-  // The purchasing lists: `sql` opened in the read form on the class recordset, a new clsEntPMrph
-  // per row with all seven columns added to `col`, the recordset closed. 1 when a row was added.
-  std::int16_t readPMrphList(const std::string& sql, Collection& col);
+  std::string lookUpRequirement(const std::string& prodNo, const std::string& itemNo, Figures& f);
 };
 
 }  // namespace tovrand

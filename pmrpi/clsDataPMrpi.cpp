@@ -1,6 +1,7 @@
 #include "pmrpi/clsDataPMrpi.h"
 
 #include "frame/OpenForms.h"
+#include "frame/PurchasingRange.h"
 #include "vb/VbError.h"
 
 namespace tovrand {
@@ -21,24 +22,21 @@ void readLine(Recordset& rs, clsEntPMrpi& line) {
 
 }  // namespace
 
-std::int16_t clsDataPMrpi::QueryPMrpiStatus(Collection& objColl, const double& ProdNo) {
+std::int16_t clsDataPMrpi::QueryPMrpiStatus(Collection& objColl, double ProdNo) {
   std::int16_t result = 0;
   try {
     Recordset& rs = recordset();
-    rs.Open("Select * From T_PMrpi Where F_ProdNO='" + CStr(ProdNo) + "' And (F_Status = 3 Or F_Status = 2)",
-            connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
-    while (!rs.EOF_()) {
-      clsEntPMrpi line = newEntity<clsEntPMrpi>();
-      line.F_ItemNo(fieldOr(rs, "F_ItemNo", ""));
-      line.F_Status(fieldOr(rs, "F_Status", 0));
-      line.F_RequestQty(fieldOr(rs, "F_RequestQty", 0));
-      objColl.Add(line);
-      rs.MoveNext();
-      result = 1;
-    }
+    openStatement(
+        rs, "Select * From T_PMrpi Where F_ProdNO='" + CStr(ProdNo) + "' And (F_Status = 3 Or F_Status = 2)",
+        connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
+    result = appendRows<clsEntPMrpi>(rs, objColl, [](Recordset& row, clsEntPMrpi& line) {
+      line.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
+      line.F_Status(fieldOr(row, "F_Status", 0));
+      line.F_RequestQty(fieldOr(row, "F_RequestQty", 0));
+    });
     rs.Close();
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -47,9 +45,10 @@ std::int16_t clsDataPMrpi::UpdatePMrpiStatus(clsEntPMrpi& Entity) {
   std::int16_t result = 0;
   try {
     Recordset& rs = recordset();
-    rs.Open("Select * From T_PMrpi Where F_ProdNO='" + CStr(Entity.F_ProdNo()) + "' And F_ItemNo='" +
-                Entity.F_ItemNo() + "'",
-            connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
+    openStatement(rs,
+                  "Select * From T_PMrpi Where F_ProdNO='" + CStr(Entity.F_ProdNo()) + "' And F_ItemNo='" +
+                      Entity.F_ItemNo() + "'",
+                  connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
     if (!noRows(rs)) {
       // The first Update has nothing pending and stores nothing.
       rs.Update();
@@ -59,7 +58,7 @@ std::int16_t clsDataPMrpi::UpdatePMrpiStatus(clsEntPMrpi& Entity) {
     dropRecordset();
     // No success value is ever stored: callers get 0 whether or not the status was written.
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -68,8 +67,8 @@ std::int16_t clsDataPMrpi::UpdatePMrphStatus(clsEntPMrph& Entity) {
   std::int16_t result = 0;
   try {
     Recordset& rs = recordset();
-    rs.Open("Select * From T_PMrph Where F_ProdNO='" + CStr(Entity.F_ProdNo()) + "'", connection(),
-            adOpenKeyset, adLockPessimistic, adCmdUnspecified);
+    openStatement(rs, "Select * From T_PMrph Where F_ProdNO='" + CStr(Entity.F_ProdNo()) + "'", connection(),
+                  adOpenKeyset, adLockPessimistic, adCmdUnspecified);
     if (!noRows(rs)) {
       // The first Update has nothing pending and stores nothing.
       rs.Update();
@@ -79,7 +78,7 @@ std::int16_t clsDataPMrpi::UpdatePMrphStatus(clsEntPMrph& Entity) {
     }
     rs.Close();
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -107,7 +106,7 @@ std::int16_t clsDataPMrpi::UpdateRecord(clsEntPMrpi& Entity) {
     }
     rs.Close();
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -129,17 +128,17 @@ std::int16_t clsDataPMrpi::QueryByID(clsEntPMrpi& objEntPMrpi) {
     rs.Close();
   } catch (...) {
     // 2 tells a failed look-up from a line that does not exist.
-    queryHandler(result, {.dropRecordset = true, .result = 2});
+    queryHandler(result, {.result = 2});
   }
   return result;
 }
 
-std::int16_t clsDataPMrpi::QueryByIDForPur(Collection& colPMrpi, const double& dblStart, const double& dblEnd,
-                                           const std::int16_t& intCnt, const std::string& strItemNo) {
+std::int16_t clsDataPMrpi::QueryByIDForPur(Collection& colPMrpi, double dblStart, double dblEnd,
+                                           std::int16_t intCnt, const std::string& strItemNo) {
   std::int16_t result = 0;
   try {
     std::string sql;
-    if (strItemNo == "") {
+    if (strItemNo.empty()) {
       sql =
           "select * from T_PMrpi where F_RequestQty > '0' and F_ProdNo in (select F_ProdNo from T_POrder "
           "where F_Status <> '1' and F_Status <> '2'";
@@ -148,57 +147,29 @@ std::int16_t clsDataPMrpi::QueryByIDForPur(Collection& colPMrpi, const double& d
             "%' and F_RequestQty > '0' and F_ProdNo in (select F_ProdNo from T_POrder where F_Status <> '1' "
             "and F_Status <> '2'";
     }
-    switch (intCnt) {
-      case 1:
-        sql += " and F_ProdNo >= '" + CStr(dblStart) + "' and F_ProdNo <= '" + CStr(dblEnd) + "')";
-        break;
-      case 2:
-        sql += " and F_ProdNo >= '" + CStr(dblStart) + "')";
-        break;
-      case 3:
-        sql += " and F_ProdNo <= '" + CStr(dblEnd) + "')";
-        break;
-      case 4:
-        sql += ")";
-        break;
-      default:
-        // No such range: nothing is run and the collection stays as it was.
-        return result;
-    }
-    result = appendLines(colPMrpi, sql);
+    const std::optional<std::string> range = purchasingRange(intCnt, "F_ProdNo", dblStart, dblEnd);
+    // No such range: nothing is run and the collection stays as it was.
+    if (!range) return result;
+    result = appendRows<clsEntPMrpi>(sql + *range, colPMrpi, readLine);
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 2});
+    queryHandler(result, {.result = 2});
   }
   return result;
 }
 
-std::int16_t clsDataPMrpi::QueryByDeliverDate(Collection& colPMrpi, const VbDate& datStart,
-                                              const VbDate& datEnd, const std::int16_t& intCnt) {
+std::int16_t clsDataPMrpi::QueryByDeliverDate(Collection& colPMrpi, VbDate datStart, VbDate datEnd,
+                                              std::int16_t intCnt) {
   std::int16_t result = 0;
   try {
     std::string sql =
         "select * from T_PMrpi where F_RequestQty > '0' and F_ProdNo in (select F_ProdNo from T_POrder where "
         "F_Status <> '1' and F_Status <> '2'";
-    switch (intCnt) {
-      case 1:
-        sql += " and F_DeliverDate >= '" + CStr(datStart) + "' and F_DeliverDate <= '" + CStr(datEnd) + "')";
-        break;
-      case 2:
-        sql += " and F_DeliverDate >= '" + CStr(datStart) + "')";
-        break;
-      case 3:
-        sql += " and F_DeliverDate <= '" + CStr(datEnd) + "')";
-        break;
-      case 4:
-        sql += ")";
-        break;
-      default:
-        // No such range: nothing is run and the collection stays as it was.
-        return result;
-    }
-    result = appendLines(colPMrpi, sql);
+    const std::optional<std::string> range = purchasingRange(intCnt, "F_DeliverDate", datStart, datEnd);
+    // No such range: nothing is run and the collection stays as it was.
+    if (!range) return result;
+    result = appendRows<clsEntPMrpi>(sql + *range, colPMrpi, readLine);
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 2});
+    queryHandler(result, {.result = 2});
   }
   return result;
 }
@@ -243,7 +214,7 @@ std::int16_t clsDataPMrpi::GetRecordByCondition(clsEntEItem& entity1, clsEntPMrp
       rs.Close();
     }
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 2});
+    queryHandler(result, {.result = 2});
   }
   return result;
 }
@@ -275,21 +246,23 @@ std::int16_t clsDataPMrpi::GetItemNoByProdNo(Collection& objCollPMrpi, clsEntPMr
     rs.Close();
   } catch (...) {
     // The result stays as it stood: a header found before the error still answers 1.
-    writeHandler(result, {.dropRecordset = true});
+    writeHandler(result);
   }
   return result;
 }
 
-std::int16_t clsDataPMrpi::QueryItemNo(Collection& objColl, std::string GoodsNo, std::string StrStatus) {
+std::int16_t clsDataPMrpi::QueryItemNo(Collection& objColl, const std::string& GoodsNo,
+                                       const std::string& StrStatus) {
   std::int16_t result = 0;
   try {
     renewRecordset();
     Recordset& rs = recordset();
     if (StrStatus == "1") {
       // The approved bill of material of the product.
-      rs.Open("SELECT B.*  FROM T_EBom B,T_EBomCheck BC WHERE BC.F_GoodsNo= '" + GoodsNo +
-                  "' And BC.F_GoodsNo=B.F_GoodsNo AND BC.F_Approve<>''",
-              connection(), adOpenKeyset, adLockBatchOptimistic, adCmdUnspecified);
+      openStatement(rs,
+                    "SELECT B.*  FROM T_EBom B,T_EBomCheck BC WHERE BC.F_GoodsNo= '" + GoodsNo +
+                        "' And BC.F_GoodsNo=B.F_GoodsNo AND BC.F_Approve<>''",
+                    connection(), adOpenKeyset, adLockBatchOptimistic, adCmdUnspecified);
       result = noRows(rs) ? 0 : 1;
       while (!rs.EOF_()) {
         clsEntEBom bom = newEntity<clsEntEBom>();
@@ -304,8 +277,8 @@ std::int16_t clsDataPMrpi::QueryItemNo(Collection& objColl, std::string GoodsNo,
     } else if (StrStatus == "2") {
       // The planning lines of a production order, whose number is the text's leading number.
       double prodNo = Val(GoodsNo);
-      rs.Open("SELECT *  FROM T_PMrpi   WHERE F_ProdNo= '" + CStr(prodNo) + "' ", connection(), adOpenKeyset,
-              adLockBatchOptimistic, adCmdUnspecified);
+      openStatement(rs, "SELECT *  FROM T_PMrpi   WHERE F_ProdNo= '" + CStr(prodNo) + "' ", connection(),
+                    adOpenKeyset, adLockBatchOptimistic, adCmdUnspecified);
       result = noRows(rs) ? 0 : 1;
       while (!rs.EOF_()) {
         // The bill-of-material entity carries the line's figures: its F_GoodsNo holds the safety stock.
@@ -325,7 +298,7 @@ std::int16_t clsDataPMrpi::QueryItemNo(Collection& objColl, std::string GoodsNo,
     }
     dropRecordset();
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 2});
+    queryHandler(result, {.result = 2});
   }
   return result;
 }
@@ -335,9 +308,10 @@ std::int16_t clsDataPMrpi::QueryEItemNo(clsEntEItem& Entity) {
   try {
     renewRecordset();
     Recordset& rs = recordset();
-    rs.Open("SELECT F_ItemNo,F_ItemName,F_ItemDesc,F_Unit  FROM T_EItem WHERE F_ItemNo='" +
-                Entity.F_ItemNo() + "'",
-            connection(), adOpenKeyset, adLockBatchOptimistic, adCmdUnspecified);
+    openStatement(rs,
+                  "SELECT F_ItemNo,F_ItemName,F_ItemDesc,F_Unit  FROM T_EItem WHERE F_ItemNo='" +
+                      Entity.F_ItemNo() + "'",
+                  connection(), adOpenKeyset, adLockBatchOptimistic, adCmdUnspecified);
     if (noRows(rs)) {
       // An unknown item leaves m_Recordset open: a later method that opens it without renewing it
       // first fails once with "Operation is not allowed when the object is open".
@@ -351,7 +325,7 @@ std::int16_t clsDataPMrpi::QueryEItemNo(clsEntEItem& Entity) {
       dropRecordset();
     }
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 2});
+    queryHandler(result, {.result = 2});
   }
   return result;
 }
@@ -361,24 +335,20 @@ std::int16_t clsDataPMrpi::QueryItemNoRecord(Collection& objColl, const std::str
   try {
     Recordset& rs = recordset();
     // ItemNo is compared with the production number: callers pass a production number in it.
-    rs.Open("SELECT * From T_PMrpi WHERE F_ProdNo='" + ItemNo + "'", connection(), adOpenKeyset,
-            adLockBatchOptimistic, adCmdUnspecified);
-    while (!rs.EOF_()) {
-      clsEntPMrpi line = newEntity<clsEntPMrpi>();
-      line.F_ProdNo(fieldOr(rs, "F_ProdNo", "0"));
-      line.F_ItemNo(fieldOr(rs, "F_ItemNo", ""));
-      line.F_Dosage(fieldOr(rs, "F_Dosage", "0"));
-      line.F_Waste(fieldOr(rs, "F_Waste", "0"));
-      line.F_SafeQty(fieldOr(rs, "F_SafeQty", "0"));
-      line.F_RequestQty(fieldOr(rs, "F_RequestQty", "0"));
-      line.F_LeadTime(fieldOr(rs, "F_LeadTime", "0"));
-      objColl.Add(line);
-      rs.MoveNext();
-      result = 1;
-    }
+    openStatement(rs, "SELECT * From T_PMrpi WHERE F_ProdNo='" + ItemNo + "'", connection(), adOpenKeyset,
+                  adLockBatchOptimistic, adCmdUnspecified);
+    result = appendRows<clsEntPMrpi>(rs, objColl, [](Recordset& row, clsEntPMrpi& line) {
+      line.F_ProdNo(fieldOr(row, "F_ProdNo", "0"));
+      line.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
+      line.F_Dosage(fieldOr(row, "F_Dosage", "0"));
+      line.F_Waste(fieldOr(row, "F_Waste", "0"));
+      line.F_SafeQty(fieldOr(row, "F_SafeQty", "0"));
+      line.F_RequestQty(fieldOr(row, "F_RequestQty", "0"));
+      line.F_LeadTime(fieldOr(row, "F_LeadTime", "0"));
+    });
     rs.Close();
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true, .result = 2});
+    queryHandler(result, {.result = 2});
   }
   return result;
 }
@@ -389,8 +359,8 @@ std::int16_t clsDataPMrpi::DeleteAllPMrpiRecord(double ProdNo) {
     // DeleteReduceRecord reports its own errors and the release goes on with the next line.
     const CallScope call(connection());
     std::shared_ptr<Recordset> lines = newRecordset();
-    lines->Open("Select * From T_PMrpi Where F_ProdNo='" + CStr(ProdNo) + "'", connection(), adOpenKeyset,
-                adLockPessimistic, adCmdUnspecified);
+    openStatement(*lines, "Select * From T_PMrpi Where F_ProdNo='" + CStr(ProdNo) + "'", connection(),
+                  adOpenKeyset, adLockPessimistic, adCmdUnspecified);
     if (noRows(*lines)) {
       lines.reset();
       return result;
@@ -408,17 +378,18 @@ std::int16_t clsDataPMrpi::DeleteAllPMrpiRecord(double ProdNo) {
     result = 1;
   } catch (...) {
     // What was released or deleted before the error stays so, and the result stays 0.
-    writeHandler(result, {.dropRecordset = true});
+    writeHandler(result);
   }
   return result;
 }
 
-std::int16_t clsDataPMrpi::DeleteReduceRecord(double ProdNo, std::string ItemNo) {
+std::int16_t clsDataPMrpi::DeleteReduceRecord(double ProdNo, const std::string& ItemNo) {
   std::int16_t result = 0;
   try {
     std::shared_ptr<Recordset> stock = newRecordset();
     renewRecordset();
-    recordset().Open(
+    openStatement(
+        recordset(),
         "SELECT * FROM T_WStockQtys WHERE F_ProdNo=" + CStr(ProdNo) + " and  F_ItemNo='" + ItemNo + "'",
         connection(), adOpenUnspecified, adLockUnspecified, adCmdText);
     if (noRows(recordset())) {
@@ -436,8 +407,8 @@ std::int16_t clsDataPMrpi::DeleteReduceRecord(double ProdNo, std::string ItemNo)
         connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
     dropRecordset();
 
-    stock->Open("SELECT * FROM T_WStockQtyh WHERE F_ItemNo='" + ItemNo + "'", connection(), adOpenKeyset,
-                adLockPessimistic, adCmdUnspecified);
+    openStatement(*stock, "SELECT * FROM T_WStockQtyh WHERE F_ItemNo='" + ItemNo + "'", connection(),
+                  adOpenKeyset, adLockPessimistic, adCmdUnspecified);
     if (noRows(*stock)) {
       stock->AddNew();
       // The new summary row takes its item number from an item object that is never set, so the
@@ -457,7 +428,7 @@ std::int16_t clsDataPMrpi::DeleteReduceRecord(double ProdNo, std::string ItemNo)
     result = 1;
   } catch (...) {
     // This routine shows every error's own description, the length error included.
-    queryHandler(result, {.dropRecordset = true, .result = 0});
+    queryHandler(result, {.result = 0});
   }
   return result;
 }
@@ -468,15 +439,16 @@ std::int16_t clsDataPMrpi::AddRecord(clsEntPMrpi& Entity) {
     renewRecordset();
     double prodNo = Entity.F_ProdNo();
     std::string itemNo = Entity.F_ItemNo();
-    recordset().Open(
-        "SELECT * From T_PMrpi WHERE F_ProdNo='" + CStr(prodNo) + "' and F_ItemNo='" + itemNo + "'",
-        connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
+    openStatement(recordset(),
+                  "SELECT * From T_PMrpi WHERE F_ProdNo='" + CStr(prodNo) + "' and F_ItemNo='" + itemNo + "'",
+                  connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
     if (noRows(recordset())) {
       dropRecordset();
       renewRecordset();
       // The whole table is opened with a keyset cursor only to append the line through it.
       Recordset& rs = recordset();
-      rs.Open("SELECT * From T_PMrpi ", connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
+      openStatement(rs, "SELECT * From T_PMrpi ", connection(), adOpenKeyset, adLockPessimistic,
+                    adCmdUnspecified);
       rs.AddNew();
       rs.Fields("F_ProdNo") = Entity.F_ProdNo();
       rs.Fields("F_ItemNo") = Entity.F_ItemNo();
@@ -486,8 +458,9 @@ std::int16_t clsDataPMrpi::AddRecord(clsEntPMrpi& Entity) {
       prodNo = Entity.F_ProdNo();
       itemNo = Entity.F_ItemNo();
       Recordset& rs = recordset();
-      rs.Open("SELECT * From T_PMrpi WHERE F_ProdNo='" + CStr(prodNo) + "' and F_ItemNo='" + itemNo + "'",
-              connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
+      openStatement(
+          rs, "SELECT * From T_PMrpi WHERE F_ProdNo='" + CStr(prodNo) + "' and F_ItemNo='" + itemNo + "'",
+          connection(), adOpenKeyset, adLockPessimistic, adCmdUnspecified);
       // Nothing is pending yet, so this stores nothing.
       rs.Update();
     }
@@ -503,7 +476,7 @@ std::int16_t clsDataPMrpi::AddRecord(clsEntPMrpi& Entity) {
     dropRecordset();
   } catch (...) {
     // 2, not 0, after a handled error.
-    writeHandler(result, {.dropRecordset = true, .result = 2});
+    writeHandler(result, {.result = 2});
   }
   return result;
 }
@@ -511,24 +484,17 @@ std::int16_t clsDataPMrpi::AddRecord(clsEntPMrpi& Entity) {
 Value clsDataPMrpi::getProdNoItemNo(Collection& objColl, const std::string& ProdNo) {
   Value result;
   try {
-    Recordset& rs = recordset();
-    openRead(rs,
-             "SELECT * From T_PMrph WHERE F_ProdNo like '%" + ProdNo +
-                 "%' And IFNull(F_Status,0)<>3 And IFNull(F_Status,0)<>2",
-             connection());
-    while (!rs.EOF_()) {
-      clsEntPMrph header = newEntity<clsEntPMrph>();
-      header.F_ProdNo(fieldOr(rs, "F_ProdNo", 0));
-      header.F_ItemNo(fieldOr(rs, "F_ItemNo", ""));
-      header.F_PlanPurQty(fieldOr(rs, "F_PlanPurQty", 0));
-      header.F_NeedQty(fieldOr(rs, "F_NeedQty", 0));
-      objColl.Add(header);
-      rs.MoveNext();
-    }
-    rs.Close();
+    std::string sql = "SELECT * From T_PMrph WHERE F_ProdNo like '%" + ProdNo +
+                      "%' And IFNull(F_Status,0)<>3 And IFNull(F_Status,0)<>2";
+    appendRows<clsEntPMrph>(sql, objColl, [](Recordset& row, clsEntPMrph& header) {
+      header.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
+      header.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
+      header.F_PlanPurQty(fieldOr(row, "F_PlanPurQty", 0));
+      header.F_NeedQty(fieldOr(row, "F_NeedQty", 0));
+    });
   } catch (...) {
     std::int16_t unassigned = 0;  // the handler stores no result for this member
-    queryHandler(unassigned, {.dropRecordset = true});
+    queryHandler(unassigned);
   }
   return result;
 }
@@ -536,23 +502,16 @@ Value clsDataPMrpi::getProdNoItemNo(Collection& objColl, const std::string& Prod
 Value clsDataPMrpi::getProdNoItemNoByPMrpi(Collection& objColl, const std::string& ProdNo) {
   Value result;
   try {
-    Recordset& rs = recordset();
-    openRead(rs,
-             "SELECT * From T_PMrpi WHERE F_ProdNo = '" + ProdNo +
-                 "' And IFNull(F_Status,0)<>3 And IFNull(F_Status,0)<>2",
-             connection());
-    while (!rs.EOF_()) {
-      clsEntPMrpi line = newEntity<clsEntPMrpi>();
-      line.F_ProdNo(fieldOr(rs, "F_ProdNo", 0));
-      line.F_ItemNo(fieldOr(rs, "F_ItemNo", ""));
-      line.F_RequestQty(fieldOr(rs, "F_RequestQty", 0));
-      objColl.Add(line);
-      rs.MoveNext();
-    }
-    rs.Close();
+    std::string sql = "SELECT * From T_PMrpi WHERE F_ProdNo = '" + ProdNo +
+                      "' And IFNull(F_Status,0)<>3 And IFNull(F_Status,0)<>2";
+    appendRows<clsEntPMrpi>(sql, objColl, [](Recordset& row, clsEntPMrpi& line) {
+      line.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
+      line.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
+      line.F_RequestQty(fieldOr(row, "F_RequestQty", 0));
+    });
   } catch (...) {
     std::int16_t unassigned = 0;  // the handler stores no result for this member
-    queryHandler(unassigned, {.dropRecordset = true});
+    queryHandler(unassigned);
   }
   return result;
 }
@@ -560,40 +519,17 @@ Value clsDataPMrpi::getProdNoItemNoByPMrpi(Collection& objColl, const std::strin
 std::int16_t clsDataPMrpi::QueryAllNullRecord(Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(
-        rs,
+    std::string sql =
         "Select ih.F_ProdNo From (Select i.F_ProdNo From  "
         "(Select F_ProdNo From T_PMrpi Where F_Status = 3 OR F_Status = 2 ) i Union "
         "select h.F_ProdNo From (Select F_ProdNo From T_PMrph Where F_Status = 3 Or F_Status = 2 ) h) ih "
-        " Order By ih.F_ProdNo Desc  limit 1000",
-        connection());
-    while (!rs.EOF_()) {
-      clsEntPMrph header = newEntity<clsEntPMrph>();
-      header.F_ProdNo(fieldOr(rs, "F_ProdNo", 0));
-      objColl.Add(header);
-      rs.MoveNext();
-      result = 1;
-    }
-    rs.Close();
+        " Order By ih.F_ProdNo Desc  limit 1000";
+    result = appendRows<clsEntPMrph>(sql, objColl, [](Recordset& row, clsEntPMrph& header) {
+      header.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
+    });
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
-  return result;
-}
-
-std::int16_t clsDataPMrpi::appendLines(Collection& colPMrpi, const std::string& sql) {
-  std::int16_t result = 0;
-  Recordset& rs = recordset();
-  openRead(rs, sql, connection());
-  while (!rs.EOF_()) {
-    clsEntPMrpi line = newEntity<clsEntPMrpi>();
-    readLine(rs, line);
-    colPMrpi.Add(line);
-    rs.MoveNext();
-    result = 1;
-  }
-  rs.Close();
   return result;
 }
 

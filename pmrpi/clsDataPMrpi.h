@@ -17,18 +17,17 @@ class clsDataPMrpi : public DataObject {
  public:
   explicit clsDataPMrpi(std::shared_ptr<Host> host) : DataObject(std::move(host)) {}
 
-  std::int16_t QueryPMrpiStatus(Collection& objColl, const double& ProdNo);
+  std::int16_t QueryPMrpiStatus(Collection& objColl, double ProdNo);
   std::int16_t UpdatePMrpiStatus(clsEntPMrpi& Entity);
   std::int16_t UpdatePMrphStatus(clsEntPMrph& Entity);
   std::int16_t UpdateRecord(clsEntPMrpi& Entity);
   std::int16_t QueryByID(clsEntPMrpi& objEntPMrpi);
-  std::int16_t QueryByIDForPur(Collection& colPMrpi, const double& dblStart, const double& dblEnd,
-                               const std::int16_t& intCnt, const std::string& strItemNo);
-  std::int16_t QueryByDeliverDate(Collection& colPMrpi, const VbDate& datStart, const VbDate& datEnd,
-                                  const std::int16_t& intCnt);
+  std::int16_t QueryByIDForPur(Collection& colPMrpi, double dblStart, double dblEnd, std::int16_t intCnt,
+                               const std::string& strItemNo);
+  std::int16_t QueryByDeliverDate(Collection& colPMrpi, VbDate datStart, VbDate datEnd, std::int16_t intCnt);
   std::int16_t GetRecordByCondition(clsEntEItem& entity1, clsEntPMrph& entity2);
   std::int16_t GetItemNoByProdNo(Collection& objCollPMrpi, clsEntPMrph& Entity);
-  std::int16_t QueryItemNo(Collection& objColl, std::string GoodsNo, std::string StrStatus);
+  std::int16_t QueryItemNo(Collection& objColl, const std::string& GoodsNo, const std::string& StrStatus);
   std::int16_t QueryEItemNo(clsEntEItem& Entity);
   std::int16_t QueryItemNoRecord(Collection& objColl, const std::string& ItemNo);
   std::int16_t DeleteAllPMrpiRecord(double ProdNo);
@@ -36,7 +35,7 @@ class clsDataPMrpi : public DataObject {
  private:
   // Releases the reservation of one material for one production order (DeleteAllPMrpiRecord's
   // helper; not part of the interface).
-  std::int16_t DeleteReduceRecord(double ProdNo, std::string ItemNo);
+  std::int16_t DeleteReduceRecord(double ProdNo, const std::string& ItemNo);
 
  public:
   std::int16_t AddRecord(clsEntPMrpi& Entity);
@@ -44,12 +43,6 @@ class clsDataPMrpi : public DataObject {
   Value getProdNoItemNo(Collection& objColl, const std::string& ProdNo);
   Value getProdNoItemNoByPMrpi(Collection& objColl, const std::string& ProdNo);
   std::int16_t QueryAllNullRecord(Collection& objColl);
-
- private:
-  // The purchasing lists (QueryByIDForPur, QueryByDeliverDate): the read form of `sql` on m_Recordset,
-  // every row into a new line appended to the collection, then Close. 1 when a row was added, else 0;
-  // errors go to the caller's handler.
-  std::int16_t appendLines(Collection& colPMrpi, const std::string& sql);
 };
 
 }  // namespace tovrand

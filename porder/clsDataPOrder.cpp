@@ -33,7 +33,7 @@ void readPOrderRow(Recordset& rs, clsEntPOrder& Entity) {
 
 }  // namespace
 
-std::int16_t clsDataPOrder::QueryByStrSql(Collection& colPOrder, std::string& strSql) {
+std::int16_t clsDataPOrder::QueryByStrSql(Collection& colPOrder, const std::string& strSql) {
   std::int16_t result = 0;
   try {
     // The caller's text follows unchanged: it brings its own leading blank and clause.
@@ -68,7 +68,7 @@ std::int16_t clsDataPOrder::QueryByStrSql(Collection& colPOrder, std::string& st
     }
     rs.Close();
   } catch (...) {
-    criticalHandler(result, kTitleQuenta, {.dropRecordset = true});
+    criticalHandler(result, kTitleQuenta);
   }
   return result;
 }
@@ -97,7 +97,7 @@ std::int16_t clsDataPOrder::GetALLChkList(Collection& collAllchklist) {
     }
     rs.Close();
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true});
+    queryHandler(result);
   }
   return result;
 }
@@ -141,7 +141,7 @@ std::int16_t clsDataPOrder::AddRecord(clsEntPOrder& Entity) {
     dropRecordset();
     result = 1;
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -150,8 +150,8 @@ std::int16_t clsDataPOrder::UpdateRecord(clsEntPOrder& Entity) {
   std::int16_t result = 0;
   try {
     Recordset& rs = recordset();
-    rs.Open("select * from t_porder where F_ProdNo ='" + CStr(Entity.F_ProdNo()) + "'", connection(),
-            adOpenKeyset, adLockOptimistic, adCmdText);
+    openStatement(rs, "select * from t_porder where F_ProdNo ='" + CStr(Entity.F_ProdNo()) + "'",
+                  connection(), adOpenKeyset, adLockOptimistic, adCmdText);
     // No test for an empty result: an unknown production number fails at the first assignment.
     rs.Fields("f_CustNo") = Entity.F_CustNo();
     rs.Fields("F_SalerId") = Entity.F_SalerID();
@@ -176,7 +176,7 @@ std::int16_t clsDataPOrder::UpdateRecord(clsEntPOrder& Entity) {
     rs.Close();
     result = 1;
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -195,7 +195,7 @@ std::int16_t clsDataPOrder::UpdateOrderOutNo(clsEntPOrder& Entity) {
     openStatement(recordset(), sql, connection(), adOpenDynamic, adLockOptimistic, adCmdUnspecified);
     result = 1;
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -231,7 +231,7 @@ std::int16_t clsDataPOrder::QueryAllProdNo(std::vector<double>& dblProdNo) {
     }
     rs.Close();
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true});
+    queryHandler(result);
   }
   return result;
 }
@@ -250,7 +250,7 @@ std::int16_t clsDataPOrder::readOneOrder(clsEntPOrder& Entity, const std::functi
     }
     rs.Close();
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true});
+    queryHandler(result);
   }
   return result;
 }

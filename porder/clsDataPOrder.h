@@ -17,7 +17,7 @@ class clsDataPOrder : public DataObject {
  public:
   explicit clsDataPOrder(std::shared_ptr<Host> host) : DataObject(std::move(host)) {}
 
-  std::int16_t QueryByStrSql(Collection& colPOrder, std::string& strSql);
+  std::int16_t QueryByStrSql(Collection& colPOrder, const std::string& strSql);
   std::int16_t GetALLChkList(Collection& collAllchklist);
   std::int16_t QueryItem(clsEntPOrder& Entity);
   std::int16_t CheckCustProdNo(clsEntPOrder& Entity, const std::string& CustNo, double ProNo);

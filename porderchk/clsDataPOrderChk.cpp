@@ -64,6 +64,11 @@ void readOrderColumns(Recordset& rs, clsEntPOrderChk& Entity) {
   Entity.F_CItemNo(fieldOr(rs, "F_CItemNo", ""));
 }
 
+// QueryMonthDate and QueryProdNo: a review holding only the row's F_ProdNo.
+void readProdNoOnly(Recordset& rs, clsEntPOrderChk& Entity) {
+  Entity.F_ProdNo(fieldOr(rs, "F_ProdNo", ""));
+}
+
 }  // namespace
 
 std::int16_t clsDataPOrderChk::QueryBOrderiBkQty(clsEntBOrderi& Entity) {
@@ -86,7 +91,7 @@ std::int16_t clsDataPOrderChk::QueryBOrderiBkQty(clsEntBOrderi& Entity) {
     }
     rs.Close();
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -104,7 +109,7 @@ std::int16_t clsDataPOrderChk::JudgeExits(const std::string& GoodsNo) {
     }
     dropRecordset();
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -156,7 +161,7 @@ std::int16_t clsDataPOrderChk::UpdateRecord(clsEntPOrderChk& Entity, const std::
     dropRecordset();
     result = 1;
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -211,7 +216,7 @@ std::int16_t clsDataPOrderChk::QueryAll(clsEntPOrderChk& Entity, double ProdNo) 
     rs.Close();
     // No success value is ever stored: callers judge the load by the filled entity.
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true});
+    queryHandler(result);
   }
   return result;
 }
@@ -235,7 +240,7 @@ std::int16_t clsDataPOrderChk::QueryProdNoView(clsEntPOrderChk& Entity) {
     }
     rs.Close();
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true});
+    queryHandler(result);
   }
   return result;
 }
@@ -243,16 +248,12 @@ std::int16_t clsDataPOrderChk::QueryProdNoView(clsEntPOrderChk& Entity) {
 std::int16_t clsDataPOrderChk::QueryMonthDate(Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(
-        rs,
+    appendRows<clsEntPOrderChk>(
         "select distinct  left(F_ProdNo,6) as F_ProdNo  from T_POrderChk  order by F_ProdNo desc limit 0,12",
-        connection());
-    addProdNoRows(rs, objColl);
-    rs.Close();
+        objColl, readProdNoOnly);
     // No success value is ever stored: the filled collection is the answer.
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -260,13 +261,11 @@ std::int16_t clsDataPOrderChk::QueryMonthDate(Collection& objColl) {
 std::int16_t clsDataPOrderChk::QueryProdNo(Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
-    openRead(rs, "select F_ProdNo  from T_POrderChk order by F_ProdNo desc", connection());
-    addProdNoRows(rs, objColl);
-    rs.Close();
+    appendRows<clsEntPOrderChk>("select F_ProdNo  from T_POrderChk order by F_ProdNo desc", objColl,
+                                readProdNoOnly);
     // No success value is ever stored: the filled collection is the answer.
   } catch (...) {
-    queryHandler(result, {.dropRecordset = true});
+    queryHandler(result);
   }
   return result;
 }
@@ -357,7 +356,7 @@ std::int16_t clsDataPOrderChk::AddRecord(Collection& objColl, const std::string&
     }
     result = 1;
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -365,24 +364,17 @@ std::int16_t clsDataPOrderChk::AddRecord(Collection& objColl, const std::string&
 std::int16_t clsDataPOrderChk::QureyDatabase(const std::string& SQLStr, Collection& objColl) {
   std::int16_t result = 0;
   try {
-    Recordset& rs = recordset();
     // The caller's text runs as it stands; it must give the six columns read below.
-    openRead(rs, SQLStr, connection());
-    while (!rs.EOF_()) {
-      clsEntBOrderh entity = newEntity<clsEntBOrderh>();
-      entity.F_OrderNo(fieldOr(rs, "F_OrderNo", 0));
-      entity.F_OrderDate(fieldOr(rs, "F_OrderDate", "0:00:00"));
-      entity.F_CorderNo(fieldOr(rs, "F_CorderNo", ""));
-      entity.F_CustNo(fieldOr(rs, "F_CustNo", ""));
-      entity.F_ProdNo(fieldOr(rs, "F_ProdNo", 0));
-      entity.F_ItemNo(fieldOr(rs, "F_ItemNo", ""));
-      objColl.Add(entity);
-      rs.MoveNext();
-      result = 1;
-    }
-    rs.Close();
+    result = appendRows<clsEntBOrderh>(SQLStr, objColl, [](Recordset& row, clsEntBOrderh& entity) {
+      entity.F_OrderNo(fieldOr(row, "F_OrderNo", 0));
+      entity.F_OrderDate(fieldOr(row, "F_OrderDate", "0:00:00"));
+      entity.F_CorderNo(fieldOr(row, "F_CorderNo", ""));
+      entity.F_CustNo(fieldOr(row, "F_CustNo", ""));
+      entity.F_ProdNo(fieldOr(row, "F_ProdNo", 0));
+      entity.F_ItemNo(fieldOr(row, "F_ItemNo", ""));
+    });
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
 }
@@ -403,18 +395,9 @@ std::int16_t clsDataPOrderChk::QuerySalerID(clsEntBOrderh& Entity) {
     }
     rs.Close();
   } catch (...) {
-    writeHandler(result, {.dropRecordset = true, .result = 0});
+    writeHandler(result, {.result = 0});
   }
   return result;
-}
-
-void clsDataPOrderChk::addProdNoRows(Recordset& rs, Collection& objColl) {
-  while (!rs.EOF_()) {
-    clsEntPOrderChk entity = newEntity<clsEntPOrderChk>();
-    entity.F_ProdNo(fieldOr(rs, "F_ProdNo", ""));
-    objColl.Add(entity);
-    rs.MoveNext();
-  }
 }
 
 }  // namespace tovrand

@@ -27,11 +27,6 @@ class clsDataPOrderChk : public DataObject {
                          const std::string& CorderNo, std::int16_t LenInt);
   std::int16_t QureyDatabase(const std::string& SQLStr, Collection& objColl);
   std::int16_t QuerySalerID(clsEntBOrderh& Entity);
-
- private:
-  // QueryMonthDate and QueryProdNo: per row a new review holding only the row's F_ProdNo, appended
-  // to the caller's collection, which is not cleared first.
-  void addProdNoRows(Recordset& rs, Collection& objColl);
 };
 
 }  // namespace tovrand

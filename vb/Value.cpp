@@ -59,6 +59,12 @@ bool isBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
+// What Val passes over wherever it stands, as VB's Val does. A carriage return is not among them
+// (unlike the blanks CDbl trims): it ends the number, so "12" & vbCr & "3" reads as 12.
+bool isSkippedByVal(char c) {
+  return c == ' ' || c == '\t' || c == '\n';
+}
+
 std::string_view trimBlanks(std::string_view s) {
   while (!s.empty() && isBlank(s.front())) s.remove_prefix(1);
   while (!s.empty() && isBlank(s.back())) s.remove_suffix(1);
@@ -426,11 +432,11 @@ bool CBool(const Value& v) {
 }
 
 double Val(std::string_view text) {
-  // Blanks are skipped everywhere, so the text is read as if they were not there.
+  // Blanks, tabs and line feeds are skipped everywhere, so the text is read as if they were not there.
   std::string s;
   s.reserve(text.size());
   for (char c : text)
-    if (!isBlank(c)) s.push_back(c);
+    if (!isSkippedByVal(c)) s.push_back(c);
 
   if (s.size() >= 2 && s[0] == '&') {
     const char prefix = s[1];

@@ -83,8 +83,9 @@ VbDate CDate(const Value& v);
 std::optional<VbDate> parseDateText(std::string_view text);
 bool CBool(const Value& v);
 
-// Val: the leading numeric part of a text (blanks, tabs and line feeds skipped anywhere; &H and &O
-// prefixes; 0 when there is none). Never raises.
+// Val: the leading numeric part of a text (blanks, tabs and line feeds skipped anywhere, a carriage
+// return ending the number like any other character; &H and &O prefixes; 0 when there is none).
+// Never raises.
 double Val(std::string_view text);
 
 // The text forms VB gives when a value is concatenated into a string.

@@ -221,6 +221,13 @@ TEST_F(BillOfMaterial, QueryItemNoModeTwoTakesTheLeadingNumberOfTheText) {
   EXPECT_EQ(describeAll<clsEntEBom>(col, describeBom), std::vector<std::string>{"0|RM-2001|1|0|4|3"});
 }
 
+TEST_F(BillOfMaterial, QueryItemNoModeTwoEndsTheNumberAtACarriageReturn) {
+  Collection col;
+  EXPECT_EQ(pmrpi().QueryItemNo(col, "2026110002\r\n5", "2"), 1);
+  EXPECT_EQ(sql(), std::vector<std::string>{"SELECT *  FROM T_PMrpi   WHERE F_ProdNo= '2026110002' "});
+  EXPECT_EQ(describeAll<clsEntEBom>(col, describeBom), std::vector<std::string>{"0|RM-2001|1|0|4|3"});
+}
+
 TEST_F(BillOfMaterial, QueryItemNoModeTwoWithATextThatIsNoNumberLooksForProductionNumberZero) {
   Collection col;
   EXPECT_EQ(pmrpi().QueryItemNo(col, "FG-1001", "2"), 0);

@@ -263,6 +263,19 @@ TEST_F(NumberAllocation, OrderNoIsReadUpToItsLeadingNumber) {
   EXPECT_EQ(sql()[4], "update T_BOrderh set F_Flags=1 where F_OrderNo=2805001");
 }
 
+TEST_F(NumberAllocation, OrderNoEndsAtACarriageReturn) {
+  Collection lines;
+  salesOrder(lines, 2805001, 1);
+
+  EXPECT_EQ(chk().AddRecord(lines, "2805001\r\n9", "C001", "PO-1", 4), 1);
+
+  EXPECT_EQ(
+      sql()[3],
+      "update T_BOrderi set F_ProdNo=2008050001 where F_OrderNo=2805001 and F_ItemNo='FG-1' and f_No='1'");
+  EXPECT_EQ(sql()[4], "update T_BOrderh set F_Flags=1 where F_OrderNo=2805001");
+  EXPECT_EQ(lineNumbers(2805001), "2008050001");
+}
+
 TEST_F(NumberAllocation, TheMonthIsTheServersDate) {
   auto decemberHost = hostWith("server_date=2009-12-31");
   clsDataPOrderChk december(decemberHost);

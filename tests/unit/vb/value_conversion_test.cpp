@@ -353,8 +353,32 @@ TEST(ValOfText, OctalPrefix) {
   EXPECT_EQ(Val("&O17"), 15.0);
 }
 
-TEST(ValOfText, TabsCarriageReturnsAndLineFeedsAreSkipped) {
-  EXPECT_EQ(Val("\t1\r\n2.\n5"), 12.5);
+TEST(ValOfText, TabsAndLineFeedsAreSkipped) {
+  EXPECT_EQ(Val("\t1\n2.\n5"), 12.5);
+  EXPECT_EQ(Val("1\t2\n\n3"), 123.0);
+}
+
+TEST(ValOfText, CarriageReturnEndsTheNumber) {
+  EXPECT_EQ(Val("12\r3"), 12.0);
+  EXPECT_EQ(Val("\t1\r\n2.\n5"), 1.0);
+  EXPECT_EQ(Val("1.5\r"), 1.5);
+  EXPECT_EQ(Val("1e\r3"), 1.0);
+}
+
+TEST(ValOfText, LeadingCarriageReturnLeavesNoNumber) {
+  EXPECT_EQ(Val("\r12"), 0.0);
+  EXPECT_EQ(Val(" \r\n12"), 0.0);
+  EXPECT_EQ(Val("-\r4"), 0.0);
+  EXPECT_EQ(Val("&H\r1F"), 0.0);
+}
+
+TEST(ValOfText, CarriageReturnEndsAHexadecimalLiteral) {
+  EXPECT_EQ(Val("&H1\rF"), 1.0);
+}
+
+TEST(ValOfText, CDblStillTrimsCarriageReturnsAroundANumber) {
+  EXPECT_EQ(CDbl(Value("\r\n12\r\n")), 12.0);
+  EXPECT_EQ(Val("12\r\n"), 12.0);
 }
 
 TEST(ValOfText, SecondDecimalPointEndsTheNumber) {
