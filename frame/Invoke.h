@@ -142,8 +142,10 @@ template <auto Method, std::size_t N>
 consteval MemberInfo member(std::string_view name, std::int32_t dispid, const ParamInfo (&params)[N]) {
   using Traits = invoke_detail::MethodTraits<decltype(Method)>;
   static_assert(Traits::arity == N, "the parameter list and the method differ in length");
-  if (!invoke_detail::paramsFit<typename Traits::Params>(params, std::make_index_sequence<N>{}))
-    throw "a parameter's kind does not match the method's parameter type";
+  if constexpr (Traits::arity == N) {
+    if (!invoke_detail::paramsFit<typename Traits::Params>(params, std::make_index_sequence<N>{}))
+      throw "a parameter's kind does not match the method's parameter type";
+  }
   constexpr ReturnKind returns =
       std::is_same_v<typename Traits::Result, Value> ? ReturnKind::Variant : ReturnKind::Status;
   static_assert(returns == ReturnKind::Variant || std::is_same_v<typename Traits::Result, std::int16_t>);

@@ -1,8 +1,8 @@
 #pragma once
 
-// Calls of every member of the four classes by name, from a realistic starting call per member, with
-// one argument or entity property at a time replaced by a hostile value; and what each call may
-// answer: the member's statuses, its message form and the tables it may change.
+// Calls of every member of the four classes through its table entry, from a realistic starting call
+// per member, with one argument or entity property at a time replaced by a hostile value; and what each
+// call may answer: the member's statuses, its message form and the tables it may change.
 
 #include <cstdint>
 #include <map>
