@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "bench/DataSet.h"
+#include "frame/Members.h"
 
 namespace tovrand::bench {
 
@@ -37,6 +38,7 @@ struct Case {
   // Puts back what the call changed, outside the timing; empty when a call changes nothing that would
   // alter the next one.
   std::function<void(DataSet&, int variant)> restore;
+  const MemberInfo* member = nullptr;  // its entry in its class's member table
 };
 
 // A sequence of calls a site runs as one piece of work.

@@ -203,9 +203,6 @@ Json ScriptRunner::callMember(const Json& request) {
   Value result;
   try {
     result = object->invoke(*member, args);
-  } catch (const NotImplemented&) {
-    trace_.recording = false;
-    return errorLine(qualified + " is not implemented");
   } catch (...) {
     trace_.recording = false;
     throw;

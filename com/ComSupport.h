@@ -91,11 +91,6 @@ class Variant {
   VARIANT* get() { return &v_; }
   const VARIANT* get() const { return &v_; }
   VARIANT* operator->() { return &v_; }
-  // Hands the content over (to an out parameter); this one is left empty.
-  void moveTo(VARIANT* out) {
-    *out = v_;
-    VariantInit(&v_);
-  }
 
  private:
   VARIANT v_;

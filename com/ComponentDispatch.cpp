@@ -264,9 +264,7 @@ HRESULT ComponentDispatch::getIDsOfNames(LPOLESTR* names, UINT count, DISPID* id
 
 HRESULT ComponentDispatch::invoke(DISPID dispid, WORD flags, DISPPARAMS* params, VARIANT* result,
                                   EXCEPINFO* excep, UINT* argErr) {
-  const MemberInfo* member = nullptr;
-  for (const MemberInfo& m : cls_.members)
-    if (m.dispid == dispid) member = &m;
+  const MemberInfo* member = cls_.findDispid(dispid);
   if (!member || !(flags & (DISPATCH_METHOD | DISPATCH_PROPERTYGET))) return DISP_E_MEMBERNOTFOUND;
   static DISPPARAMS none{};
   if (!params) params = &none;
@@ -310,8 +308,6 @@ HRESULT ComponentDispatch::call(const MemberInfo& member, VARIANTARG* const* arg
   try {
     answer = object_->invoke(member, values);
     for (std::size_t i = 0; i < n; ++i) writeBack(member.params[i], *args[i], before[i], values[i]);
-  } catch (const NotImplemented&) {
-    return E_NOTIMPL;
   } catch (...) {
     VbError e = toVbError(std::current_exception());
     fillExcepInfo(excep, hresultOf(e.number()), e.description(), "Tovrand." + std::string(cls_.name));

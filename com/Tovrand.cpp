@@ -15,6 +15,11 @@
 #include "com/ComServer.h"
 #include "com/ComponentDispatch.h"
 #include "component/Component.h"
+#include "frame/Invoke.h"
+#include "pmrph/clsDataPMrph.h"
+#include "pmrpi/clsDataPMrpi.h"
+#include "porder/clsDataPOrder.h"
+#include "porderchk/clsDataPOrderChk.h"
 
 namespace tovrand::com {
 
@@ -99,11 +104,12 @@ class ComponentObject : public DualObject<Iface, IProvideClassInfo> {
 
   // An early-bound call: the arguments become by-reference VARIANTs over the caller's storage and
   // take the late-bound path; a failure comes back as the HRESULT with the error object set.
-  template <class R, class... A>
-  HRESULT forward(const char* name, R* result, A... args) {
-    const MemberInfo* member = dispatch_.classInfo().find(name);
-    if (!member) return E_NOTIMPL;
+  template <auto Method, class R, class... A>
+  HRESULT forward(R* result, A... args) {
     constexpr std::size_t n = sizeof...(A);
+    static_assert(n == invoke_detail::MethodTraits<decltype(Method)>::arity,
+                  "the interface method and the class's method differ in their parameters");
+    const MemberInfo* member = &memberOf<Method>();
     std::array<VARIANTARG, n + 1> vars{argOf(args)..., VARIANTARG{}};
     std::array<VARIANTARG*, n + 1> ordered{};
     std::array<UINT, n + 1> index{};
@@ -138,29 +144,29 @@ class POrderObject final : public ComponentObject<_clsDataPOrder> {
   using ComponentObject::ComponentObject;
 
   HRESULT STDMETHODCALLTYPE QueryByStrSql(IDispatch** colPOrder, BSTR* strSql, short* Result) override {
-    return forward("QueryByStrSql", Result, colPOrder, strSql);
+    return forward<&clsDataPOrder::QueryByStrSql>(Result, colPOrder, strSql);
   }
   HRESULT STDMETHODCALLTYPE GetALLChkList(IDispatch** collAllchklist, short* Result) override {
-    return forward("GetALLChkList", Result, collAllchklist);
+    return forward<&clsDataPOrder::GetALLChkList>(Result, collAllchklist);
   }
   HRESULT STDMETHODCALLTYPE QueryItem(IDispatch** Entity, short* Result) override {
-    return forward("QueryItem", Result, Entity);
+    return forward<&clsDataPOrder::QueryItem>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE CheckCustProdNo(IDispatch** Entity, BSTR* CustNo, double* ProNo,
                                             short* Result) override {
-    return forward("CheckCustProdNo", Result, Entity, CustNo, ProNo);
+    return forward<&clsDataPOrder::CheckCustProdNo>(Result, Entity, CustNo, ProNo);
   }
   HRESULT STDMETHODCALLTYPE AddRecord(IDispatch** Entity, short* Result) override {
-    return forward("AddRecord", Result, Entity);
+    return forward<&clsDataPOrder::AddRecord>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE UpdateRecord(IDispatch** Entity, short* Result) override {
-    return forward("UpdateRecord", Result, Entity);
+    return forward<&clsDataPOrder::UpdateRecord>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE UpdateOrderOutNo(IDispatch** Entity, short* Result) override {
-    return forward("UpdateOrderOutNo", Result, Entity);
+    return forward<&clsDataPOrder::UpdateOrderOutNo>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE QueryAllProdNo(SAFEARRAY** dblProdNo, short* Result) override {
-    return forward("QueryAllProdNo", Result, dblProdNo);
+    return forward<&clsDataPOrder::QueryAllProdNo>(Result, dblProdNo);
   }
 };
 
@@ -169,35 +175,35 @@ class POrderChkObject final : public ComponentObject<_clsDataPOrderChk> {
   using ComponentObject::ComponentObject;
 
   HRESULT STDMETHODCALLTYPE QueryBOrderiBkQty(IDispatch** Entity, short* Result) override {
-    return forward("QueryBOrderiBkQty", Result, Entity);
+    return forward<&clsDataPOrderChk::QueryBOrderiBkQty>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE JudgeExits(BSTR* GoodsNo, short* Result) override {
-    return forward("JudgeExits", Result, GoodsNo);
+    return forward<&clsDataPOrderChk::JudgeExits>(Result, GoodsNo);
   }
   HRESULT STDMETHODCALLTYPE UpdateRecord(IDispatch** Entity, BSTR* stypeName, short* Result) override {
-    return forward("UpdateRecord", Result, Entity, stypeName);
+    return forward<&clsDataPOrderChk::UpdateRecord>(Result, Entity, stypeName);
   }
   HRESULT STDMETHODCALLTYPE QueryAll(IDispatch** Entity, double* ProdNo, short* Result) override {
-    return forward("QueryAll", Result, Entity, ProdNo);
+    return forward<&clsDataPOrderChk::QueryAll>(Result, Entity, ProdNo);
   }
   HRESULT STDMETHODCALLTYPE QueryProdNoView(IDispatch** Entity, short* Result) override {
-    return forward("QueryProdNoView", Result, Entity);
+    return forward<&clsDataPOrderChk::QueryProdNoView>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE QueryMonthDate(IDispatch** objColl, short* Result) override {
-    return forward("QueryMonthDate", Result, objColl);
+    return forward<&clsDataPOrderChk::QueryMonthDate>(Result, objColl);
   }
   HRESULT STDMETHODCALLTYPE QueryProdNo(IDispatch** objColl, short* Result) override {
-    return forward("QueryProdNo", Result, objColl);
+    return forward<&clsDataPOrderChk::QueryProdNo>(Result, objColl);
   }
   HRESULT STDMETHODCALLTYPE AddRecord(IDispatch** objColl, BSTR* OrderNo, BSTR* CustNo, BSTR* CorderNo,
                                       short* LenInt, short* Result) override {
-    return forward("AddRecord", Result, objColl, OrderNo, CustNo, CorderNo, LenInt);
+    return forward<&clsDataPOrderChk::AddRecord>(Result, objColl, OrderNo, CustNo, CorderNo, LenInt);
   }
   HRESULT STDMETHODCALLTYPE QureyDatabase(BSTR* SQLStr, IDispatch** objColl, short* Result) override {
-    return forward("QureyDatabase", Result, SQLStr, objColl);
+    return forward<&clsDataPOrderChk::QureyDatabase>(Result, SQLStr, objColl);
   }
   HRESULT STDMETHODCALLTYPE QuerySalerID(IDispatch** Entity, short* Result) override {
-    return forward("QuerySalerID", Result, Entity);
+    return forward<&clsDataPOrderChk::QuerySalerID>(Result, Entity);
   }
 };
 
@@ -207,50 +213,50 @@ class PMrphObject final : public ComponentObject<_clsDataPMrph> {
 
   HRESULT STDMETHODCALLTYPE QueryBOrderhRecordset(IDispatch** Entity, double* ProdNo,
                                                   short* Result) override {
-    return forward("QueryBOrderhRecordset", Result, Entity, ProdNo);
+    return forward<&clsDataPMrph::QueryBOrderhRecordset>(Result, Entity, ProdNo);
   }
   HRESULT STDMETHODCALLTYPE QueryPMrphRecordset(IDispatch** objColl, BSTR* SQLStr, short* Result) override {
-    return forward("QueryPMrphRecordset", Result, objColl, SQLStr);
+    return forward<&clsDataPMrph::QueryPMrphRecordset>(Result, objColl, SQLStr);
   }
   HRESULT STDMETHODCALLTYPE QueryPMrphStatus(IDispatch** Entity, short* Result) override {
-    return forward("QueryPMrphStatus", Result, Entity);
+    return forward<&clsDataPMrph::QueryPMrphStatus>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE QueryByItemNo(IDispatch** objEntPMrph, short* Result) override {
-    return forward("QueryByItemNo", Result, objEntPMrph);
+    return forward<&clsDataPMrph::QueryByItemNo>(Result, objEntPMrph);
   }
   HRESULT STDMETHODCALLTYPE UpdateRecord(IDispatch** Entity, short* Result) override {
-    return forward("UpdateRecord", Result, Entity);
+    return forward<&clsDataPMrph::UpdateRecord>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE QueryByIDForPur(IDispatch** colPMrph, double* dblStart, double* dblEnd,
                                             short* intCnt, BSTR* strItemNo, short* Result) override {
-    return forward("QueryByIDForPur", Result, colPMrph, dblStart, dblEnd, intCnt, strItemNo);
+    return forward<&clsDataPMrph::QueryByIDForPur>(Result, colPMrph, dblStart, dblEnd, intCnt, strItemNo);
   }
   HRESULT STDMETHODCALLTYPE QueryByDeliverDate(IDispatch** colPMrph, DATE* datStart, DATE* datEnd,
                                                short* intCnt, short* Result) override {
-    return forward("QueryByDeliverDate", Result, colPMrph, datStart, datEnd, intCnt);
+    return forward<&clsDataPMrph::QueryByDeliverDate>(Result, colPMrph, datStart, datEnd, intCnt);
   }
   HRESULT STDMETHODCALLTYPE QueryMonthDate(IDispatch** objColl, short* Result) override {
-    return forward("QueryMonthDate", Result, objColl);
+    return forward<&clsDataPMrph::QueryMonthDate>(Result, objColl);
   }
   HRESULT STDMETHODCALLTYPE QueryProdNo(IDispatch** objColl, short* Result) override {
-    return forward("QueryProdNo", Result, objColl);
+    return forward<&clsDataPMrph::QueryProdNo>(Result, objColl);
   }
   HRESULT STDMETHODCALLTYPE QueryStatus(IDispatch** Entity, short* Result) override {
-    return forward("QueryStatus", Result, Entity);
+    return forward<&clsDataPMrph::QueryStatus>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE QueryProdNoRecord(IDispatch** Entity, short* Result) override {
-    return forward("QueryProdNoRecord", Result, Entity);
+    return forward<&clsDataPMrph::QueryProdNoRecord>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE AddRecord1(IDispatch** Entity, IDispatch** objCollD, short* Result) override {
-    return forward("AddRecord1", Result, Entity, objCollD);
+    return forward<&clsDataPMrph::AddRecord1>(Result, Entity, objCollD);
   }
   HRESULT STDMETHODCALLTYPE AddRecord(IDispatch** Entity, short* Result) override {
-    return forward("AddRecord", Result, Entity);
+    return forward<&clsDataPMrph::AddRecord>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE AccountData(IDispatch** Entity, double* C1, double* A, double* P, double* M,
                                         double* K, double* S, double* SQ, double* AT, double* BN, double* ATi,
                                         short* Result) override {
-    return forward("AccountData", Result, Entity, C1, A, P, M, K, S, SQ, AT, BN, ATi);
+    return forward<&clsDataPMrph::AccountData>(Result, Entity, C1, A, P, M, K, S, SQ, AT, BN, ATi);
   }
 };
 
@@ -259,61 +265,61 @@ class PMrpiObject final : public ComponentObject<_clsDataPMrpi> {
   using ComponentObject::ComponentObject;
 
   HRESULT STDMETHODCALLTYPE QueryPMrpiStatus(IDispatch** objColl, double* ProdNo, short* Result) override {
-    return forward("QueryPMrpiStatus", Result, objColl, ProdNo);
+    return forward<&clsDataPMrpi::QueryPMrpiStatus>(Result, objColl, ProdNo);
   }
   HRESULT STDMETHODCALLTYPE UpdatePMrpiStatus(IDispatch** Entity, short* Result) override {
-    return forward("UpdatePMrpiStatus", Result, Entity);
+    return forward<&clsDataPMrpi::UpdatePMrpiStatus>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE UpdatePMrphStatus(IDispatch** Entity, short* Result) override {
-    return forward("UpdatePMrphStatus", Result, Entity);
+    return forward<&clsDataPMrpi::UpdatePMrphStatus>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE UpdateRecord(IDispatch** Entity, short* Result) override {
-    return forward("UpdateRecord", Result, Entity);
+    return forward<&clsDataPMrpi::UpdateRecord>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE QueryByID(IDispatch** objEntPMrpi, short* Result) override {
-    return forward("QueryByID", Result, objEntPMrpi);
+    return forward<&clsDataPMrpi::QueryByID>(Result, objEntPMrpi);
   }
   HRESULT STDMETHODCALLTYPE QueryByIDForPur(IDispatch** colPMrpi, double* dblStart, double* dblEnd,
                                             short* intCnt, BSTR* strItemNo, short* Result) override {
-    return forward("QueryByIDForPur", Result, colPMrpi, dblStart, dblEnd, intCnt, strItemNo);
+    return forward<&clsDataPMrpi::QueryByIDForPur>(Result, colPMrpi, dblStart, dblEnd, intCnt, strItemNo);
   }
   HRESULT STDMETHODCALLTYPE QueryByDeliverDate(IDispatch** colPMrpi, DATE* datStart, DATE* datEnd,
                                                short* intCnt, short* Result) override {
-    return forward("QueryByDeliverDate", Result, colPMrpi, datStart, datEnd, intCnt);
+    return forward<&clsDataPMrpi::QueryByDeliverDate>(Result, colPMrpi, datStart, datEnd, intCnt);
   }
   HRESULT STDMETHODCALLTYPE GetRecordByCondition(IDispatch** entity1, IDispatch** entity2,
                                                  short* Result) override {
-    return forward("GetRecordByCondition", Result, entity1, entity2);
+    return forward<&clsDataPMrpi::GetRecordByCondition>(Result, entity1, entity2);
   }
   HRESULT STDMETHODCALLTYPE GetItemNoByProdNo(IDispatch** objCollPMrpi, IDispatch** Entity,
                                               short* Result) override {
-    return forward("GetItemNoByProdNo", Result, objCollPMrpi, Entity);
+    return forward<&clsDataPMrpi::GetItemNoByProdNo>(Result, objCollPMrpi, Entity);
   }
   HRESULT STDMETHODCALLTYPE QueryItemNo(IDispatch** objColl, BSTR GoodsNo, BSTR StrStatus,
                                         short* Result) override {
-    return forward("QueryItemNo", Result, objColl, GoodsNo, StrStatus);
+    return forward<&clsDataPMrpi::QueryItemNo>(Result, objColl, GoodsNo, StrStatus);
   }
   HRESULT STDMETHODCALLTYPE QueryEItemNo(IDispatch** Entity, short* Result) override {
-    return forward("QueryEItemNo", Result, Entity);
+    return forward<&clsDataPMrpi::QueryEItemNo>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE QueryItemNoRecord(IDispatch** objColl, BSTR* ItemNo, short* Result) override {
-    return forward("QueryItemNoRecord", Result, objColl, ItemNo);
+    return forward<&clsDataPMrpi::QueryItemNoRecord>(Result, objColl, ItemNo);
   }
   HRESULT STDMETHODCALLTYPE DeleteAllPMrpiRecord(double ProdNo, short* Result) override {
-    return forward("DeleteAllPMrpiRecord", Result, ProdNo);
+    return forward<&clsDataPMrpi::DeleteAllPMrpiRecord>(Result, ProdNo);
   }
   HRESULT STDMETHODCALLTYPE AddRecord(IDispatch** Entity, short* Result) override {
-    return forward("AddRecord", Result, Entity);
+    return forward<&clsDataPMrpi::AddRecord>(Result, Entity);
   }
   HRESULT STDMETHODCALLTYPE getProdNoItemNo(IDispatch** objColl, BSTR* ProdNo, VARIANT* Result) override {
-    return forward("getProdNoItemNo", Result, objColl, ProdNo);
+    return forward<&clsDataPMrpi::getProdNoItemNo>(Result, objColl, ProdNo);
   }
   HRESULT STDMETHODCALLTYPE getProdNoItemNoByPMrpi(IDispatch** objColl, BSTR* ProdNo,
                                                    VARIANT* Result) override {
-    return forward("getProdNoItemNoByPMrpi", Result, objColl, ProdNo);
+    return forward<&clsDataPMrpi::getProdNoItemNoByPMrpi>(Result, objColl, ProdNo);
   }
   HRESULT STDMETHODCALLTYPE QueryAllNullRecord(IDispatch** objColl, short* Result) override {
-    return forward("QueryAllNullRecord", Result, objColl);
+    return forward<&clsDataPMrpi::QueryAllNullRecord>(Result, objColl);
   }
 };
 
@@ -338,9 +344,9 @@ HRESULT createComponent(const ClassInfo& cls, REFIID riid, void** out) {
 
 ClassFactory::Creator creatorOf(const ClassInfo& cls) {
   return [&cls](REFIID iid, void** object) -> HRESULT {
-    if (cls.name == "clsDataPOrder") return createComponent<POrderObject>(cls, iid, object);
-    if (cls.name == "clsDataPOrderChk") return createComponent<POrderChkObject>(cls, iid, object);
-    if (cls.name == "clsDataPMrph") return createComponent<PMrphObject>(cls, iid, object);
+    if (&cls == &clsDataPOrder::Members()) return createComponent<POrderObject>(cls, iid, object);
+    if (&cls == &clsDataPOrderChk::Members()) return createComponent<POrderChkObject>(cls, iid, object);
+    if (&cls == &clsDataPMrph::Members()) return createComponent<PMrphObject>(cls, iid, object);
     return createComponent<PMrpiObject>(cls, iid, object);
   };
 }

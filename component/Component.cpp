@@ -1,23 +1,44 @@
 #include "component/Component.h"
 
+#include <array>
+#include <stdexcept>
+
 #include "pmrph/clsDataPMrph.h"
-#include "pmrph/clsDataPMrphDispatch.h"
 #include "pmrpi/clsDataPMrpi.h"
-#include "pmrpi/clsDataPMrpiDispatch.h"
 #include "porder/clsDataPOrder.h"
-#include "porder/clsDataPOrderDispatch.h"
 #include "porderchk/clsDataPOrderChk.h"
-#include "porderchk/clsDataPOrderChkDispatch.h"
 
 namespace tovrand {
 
-std::unique_ptr<DispatchObject> createObject(const ClassInfo& cls, std::shared_ptr<Host> host) {
-  if (cls.name == "clsDataPOrder") return makeDispatch(cls, std::make_unique<clsDataPOrder>(std::move(host)));
-  if (cls.name == "clsDataPOrderChk")
-    return makeDispatch(cls, std::make_unique<clsDataPOrderChk>(std::move(host)));
-  if (cls.name == "clsDataPMrph") return makeDispatch(cls, std::make_unique<clsDataPMrph>(std::move(host)));
-  if (cls.name == "clsDataPMrpi") return makeDispatch(cls, std::make_unique<clsDataPMrpi>(std::move(host)));
+namespace {
+
+const std::array<const ClassInfo*, 4>& registered() {
+  static const std::array<const ClassInfo*, 4> classes{&clsDataPOrder::Members(),
+                                                       &clsDataPOrderChk::Members(), &clsDataPMrph::Members(),
+                                                       &clsDataPMrpi::Members()};
+  return classes;
+}
+
+}  // namespace
+
+ClassList componentClasses() {
+  return ClassList(registered());
+}
+
+const ClassInfo* findComponentClass(std::string_view name) {
+  for (const ClassInfo& c : componentClasses())
+    if (c.name == name || c.progId == name) return &c;
   return nullptr;
+}
+
+const ClassInfo& componentClassOf(const MemberInfo& member) {
+  for (const ClassInfo& c : componentClasses())
+    if (c.owns(member)) return c;
+  throw std::logic_error("a member outside the four classes' tables");
+}
+
+std::unique_ptr<DispatchObject> createObject(const ClassInfo& cls, std::shared_ptr<Host> host) {
+  return cls.create(std::move(host));
 }
 
 }  // namespace tovrand

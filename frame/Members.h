@@ -13,6 +13,10 @@
 
 namespace tovrand {
 
+class DataObject;
+class DispatchObject;
+class Host;
+
 // The kinds of parameter the interfaces use.
 enum class ParamKind { Entity, Collection, Double, String, Integer, Date, DoubleArray };
 // Every member returns the 16-bit status, except two that return a Variant.
@@ -25,11 +29,20 @@ struct ParamInfo {
   bool byRef = true;                  // VB passes ByRef unless the interface says ByVal
 };
 
+// An argument of a late-bound call: a plain value, an entity, a Collection or an array of doubles.
+// By-reference arguments are written back into it.
+using Argument = std::variant<Value, Entity, std::shared_ptr<Collection>, std::vector<double>>;
+
+// Calls the member on an object of its own class with the arguments in interface order.
+using Invoker = Value (*)(DataObject& object, std::span<Argument> args);
+
 struct MemberInfo {
   std::string_view name;
   std::int32_t dispid;
   std::span<const ParamInfo> params;
   ReturnKind returns = ReturnKind::Status;
+  // Also the member's identity for code that names it by its method (memberOf in frame/Invoke.h).
+  Invoker invoke = nullptr;
 };
 
 // One creatable class: its ProgID, CLSID, default interface and members in interface order.
@@ -40,36 +53,26 @@ struct ClassInfo {
   std::string_view interfaceName;
   std::string_view iid;
   std::span<const MemberInfo> members;
+  // A new object of the class on `host`; creation opens the connection, and its failure propagates.
+  std::unique_ptr<DispatchObject> (*create)(std::shared_ptr<Host> host) = nullptr;
 
   const MemberInfo* find(std::string_view member) const;  // without regard to case, as VB binds
+  const MemberInfo* findDispid(std::int32_t dispid) const;
+  bool owns(const MemberInfo& member) const;
 };
-
-// The four classes in the order of the type library.
-std::span<const ClassInfo> componentClasses();
-const ClassInfo* findComponentClass(std::string_view name);
 
 // The type library.
 inline constexpr std::string_view kTypeLibraryId = "{4FD5198C-BAAD-412F-AA92-87DCD734261F}";
 inline constexpr int kTypeLibraryMajor = 27;
 inline constexpr int kTypeLibraryMinor = 0;
 
-// An argument of a late-bound call: a plain value, an entity, a Collection or an array of doubles.
-// By-reference arguments are written back into it.
-using Argument = std::variant<Value, Entity, std::shared_ptr<Collection>, std::vector<double>>;
-
-// A late-bound call that the core has no method for yet.
-class NotImplemented : public std::exception {
- public:
-  const char* what() const noexcept override { return "member not implemented"; }
-};
-
-// An object of one of the four classes, called by member name (the command line and the COM shell
-// bind through this). Arguments are given in interface order, already of their parameter's kind.
+// An object of one of the four classes, called through its member table (the command line and the COM
+// shell bind through this). Arguments are given in interface order, already of their parameter's kind.
 class DispatchObject {
  public:
   virtual ~DispatchObject() = default;
   virtual const ClassInfo& classInfo() const = 0;
-  // Raises NotImplemented for a member without a core method.
+  // `member` must be an entry of classInfo()'s table.
   virtual Value invoke(const MemberInfo& member, std::span<Argument> args) = 0;
 };
 

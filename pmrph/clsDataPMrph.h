@@ -10,11 +10,16 @@
 
 namespace tovrand {
 
+struct ClassInfo;
+
 // Material planning headers (t_pmrph): their queries, the requirement computation of one material
 // and the writing of a production order's whole planning with its stock reservations.
 class clsDataPMrph : public DataObject {
  public:
   explicit clsDataPMrph(std::shared_ptr<Host> host) : DataObject(std::move(host)) {}
+
+  // The member table, in interface order: what late-bound callers reach.
+  static const ClassInfo& Members();
 
   std::int16_t QueryBOrderhRecordset(clsEntBOrderh& Entity, double ProdNo);
   std::int16_t QueryPMrphRecordset(Collection& objColl, const std::string& SQLStr);

@@ -10,12 +10,17 @@
 
 namespace tovrand {
 
+struct ClassInfo;
+
 // Material planning lines (t_pmrpi): the lines purchasing works from, their status, writing them
 // one by one and removing a production order's lines with their stock reservations, and the item
 // and bill-of-material look-ups of the planning screens.
 class clsDataPMrpi : public DataObject {
  public:
   explicit clsDataPMrpi(std::shared_ptr<Host> host) : DataObject(std::move(host)) {}
+
+  // The member table, in interface order: what late-bound callers reach.
+  static const ClassInfo& Members();
 
   std::int16_t QueryPMrpiStatus(Collection& objColl, double ProdNo);
   std::int16_t UpdatePMrpiStatus(clsEntPMrpi& Entity);

@@ -12,10 +12,15 @@
 
 namespace tovrand {
 
+struct ClassInfo;
+
 // Production orders (t_porder): maintenance and look-ups.
 class clsDataPOrder : public DataObject {
  public:
   explicit clsDataPOrder(std::shared_ptr<Host> host) : DataObject(std::move(host)) {}
+
+  // The member table, in interface order: what late-bound callers reach.
+  static const ClassInfo& Members();
 
   std::int16_t QueryByStrSql(Collection& colPOrder, const std::string& strSql);
   std::int16_t GetALLChkList(Collection& collAllchklist);

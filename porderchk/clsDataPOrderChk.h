@@ -10,11 +10,16 @@
 
 namespace tovrand {
 
+struct ClassInfo;
+
 // Production order review (t_porderchk): the seven departments' sign-offs, the allocation of
 // month-prefixed production numbers with the creation of review rows, and the review look-ups.
 class clsDataPOrderChk : public DataObject {
  public:
   explicit clsDataPOrderChk(std::shared_ptr<Host> host) : DataObject(std::move(host)) {}
+
+  // The member table, in interface order: what late-bound callers reach.
+  static const ClassInfo& Members();
 
   std::int16_t QueryBOrderiBkQty(clsEntBOrderi& Entity);
   std::int16_t JudgeExits(const std::string& GoodsNo);

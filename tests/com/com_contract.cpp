@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "ClientCheck.h"
+#include "component/Component.h"
 #include "frame/Members.h"
 
 using namespace tovrand;

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "component/Component.h"
 #include "entities/Entities.h"
 #include "frame/Members.h"
 

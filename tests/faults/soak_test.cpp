@@ -5,6 +5,7 @@
 // runs 100,000; the default is a short run).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -13,8 +14,10 @@
 #include <string>
 #include <vector>
 
+#include "component/Component.h"
 #include "entities/Collection.h"
 #include "entities/Entities.h"
+#include "frame/Invoke.h"
 #include "pmrph/clsDataPMrph.h"
 #include "pmrpi/clsDataPMrpi.h"
 #include "porder/clsDataPOrder.h"
@@ -56,7 +59,7 @@ struct Objects {
 
 // One call of a member, with the status it answers on the sample data whenever it is made.
 struct SoakCall {
-  const char* member;
+  const MemberInfo& member;
   std::int16_t status;
   std::function<std::int16_t(Objects&)> call;
 };
@@ -78,34 +81,34 @@ Collection cupMaterials() {
 // planning that is written and released again.
 std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
   return {
-      {"clsDataPOrder.QueryItem", 1,
+      {memberOf<&clsDataPOrder::QueryItem>(), 1,
        [](Objects& o) {
          clsEntPOrder e;
          e.F_ProdNo(2026100001.0);
          return o.porder.QueryItem(e);
        }},
-      {"clsDataPOrder.QueryByStrSql", 1,
+      {memberOf<&clsDataPOrder::QueryByStrSql>(), 1,
        [](Objects& o) {
          Collection c;
          std::string where = " where F_CustNo='C003' order by F_ProdNo";
          return o.porder.QueryByStrSql(c, where);
        }},
-      {"clsDataPOrder.GetALLChkList", 1,
+      {memberOf<&clsDataPOrder::GetALLChkList>(), 1,
        [](Objects& o) {
          Collection c;
          return o.porder.GetALLChkList(c);
        }},
-      {"clsDataPOrder.CheckCustProdNo", 1,
+      {memberOf<&clsDataPOrder::CheckCustProdNo>(), 1,
        [](Objects& o) {
          clsEntPOrder e;
          return o.porder.CheckCustProdNo(e, "C005", 2026110001.0);
        }},
-      {"clsDataPOrder.QueryAllProdNo", 1,
+      {memberOf<&clsDataPOrder::QueryAllProdNo>(), 1,
        [](Objects& o) {
          std::vector<double> numbers;
          return o.porder.QueryAllProdNo(numbers);
        }},
-      {"clsDataPOrder.UpdateOrderOutNo", 1,
+      {memberOf<&clsDataPOrder::UpdateOrderOutNo>(), 1,
        [](Objects& o) {
          clsEntPOrder e;
          e.F_ProdNo(2026100002.0);
@@ -114,7 +117,7 @@ std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
          e.F_ProdQty(0.0);
          return o.porder.UpdateOrderOutNo(e);
        }},
-      {"clsDataPOrder.UpdateRecord", 1,
+      {memberOf<&clsDataPOrder::UpdateRecord>(), 1,
        [](Objects& o) {
          clsEntPOrder e;
          e.F_ProdNo(2026100001.0);
@@ -126,7 +129,7 @@ std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
          e.F_ProdDate(date(2026, 11, 18));
          return o.porder.UpdateRecord(e);
        }},
-      {"clsDataPOrder.AddRecord", 1,
+      {memberOf<&clsDataPOrder::AddRecord>(), 1,
        [&porderNumber](Objects& o) {
          clsEntPOrder e;
          e.F_ProdNo(static_cast<double>(++porderNumber));
@@ -135,25 +138,26 @@ std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
          e.F_OrdQty(10.0);
          return o.porder.AddRecord(e);
        }},
-      {"clsDataPOrderChk.QueryAll", 0,  // never stores a success value
+      {memberOf<&clsDataPOrderChk::QueryAll>(), 0,  // never stores a success value
        [](Objects& o) {
          clsEntPOrderChk e;
          return o.review.QueryAll(e, 2026090001.0);
        }},
-      {"clsDataPOrderChk.QueryProdNoView", 1,
+      {memberOf<&clsDataPOrderChk::QueryProdNoView>(), 1,
        [](Objects& o) {
          clsEntPOrderChk e;
          e.F_ProdNo(2026110001.0);
          return o.review.QueryProdNoView(e);
        }},
-      {"clsDataPOrderChk.JudgeExits", 1, [](Objects& o) { return o.review.JudgeExits("FG-1001"); }},
-      {"clsDataPOrderChk.QuerySalerID", 1,
+      {memberOf<&clsDataPOrderChk::JudgeExits>(), 1,
+       [](Objects& o) { return o.review.JudgeExits("FG-1001"); }},
+      {memberOf<&clsDataPOrderChk::QuerySalerID>(), 1,
        [](Objects& o) {
          clsEntBOrderh e;
          e.F_ProdNo(2026100001.0);
          return o.review.QuerySalerID(e);
        }},
-      {"clsDataPOrderChk.UpdateRecord", 1,
+      {memberOf<&clsDataPOrderChk::UpdateRecord>(), 1,
        [](Objects& o) {
          clsEntPOrderChk e;
          e.F_ProdNo(2026110003.0);
@@ -163,18 +167,18 @@ std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
          e.F_QCheckTime(date(2026, 11, 22, 10, 0));
          return o.review.UpdateRecord(e, "品保");
        }},
-      {"clsDataPMrph.QueryByIDForPur", 1,
+      {memberOf<&clsDataPMrph::QueryByIDForPur>(), 1,
        [](Objects& o) {
          Collection c;
          return o.pmrph.QueryByIDForPur(c, 0, 0, 4, "");
        }},
-      {"clsDataPMrph.QueryProdNoRecord", 1,
+      {memberOf<&clsDataPMrph::QueryProdNoRecord>(), 1,
        [](Objects& o) {
          clsEntPMrph e;
          e.F_ProdNo(2026110001.0);
          return o.pmrph.QueryProdNoRecord(e);
        }},
-      {"clsDataPMrph.AccountData", 1,
+      {memberOf<&clsDataPMrph::AccountData>(), 1,
        [](Objects& o) {
          clsEntPMrph e;
          e.F_ProdNo(2026110001.0);
@@ -182,7 +186,7 @@ std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
          double C1 = 0, A = 0, P = 0, M = 0, K = 0, S = 0, SQ = 0, AT = 0, BN = 0, ATi = 0;
          return o.pmrph.AccountData(e, C1, A, P, M, K, S, SQ, AT, BN, ATi);
        }},
-      {"clsDataPMrph.UpdateRecord", 1,
+      {memberOf<&clsDataPMrph::UpdateRecord>(), 1,
        [](Objects& o) {
          clsEntPMrph e;
          e.F_ProdNo(2026100003.0);
@@ -194,7 +198,7 @@ std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
          e.F_Status(1);
          return o.pmrph.UpdateRecord(e);
        }},
-      {"clsDataPMrph.AddRecord", 1,
+      {memberOf<&clsDataPMrph::AddRecord>(), 1,
        [](Objects& o) {
          clsEntPMrph e;
          e.F_ProdNo(2026110001.0);
@@ -204,7 +208,7 @@ std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
          e.F_PlanPurQty(0.0);
          return o.pmrph.AddRecord(e);
        }},
-      {"clsDataPMrph.AddRecord1", 1,
+      {memberOf<&clsDataPMrph::AddRecord1>(), 1,
        [](Objects& o) {
          clsEntPMrph e;
          e.F_ProdNo(2026110003.0);
@@ -212,32 +216,32 @@ std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
          Collection lines = cupMaterials();
          return o.pmrph.AddRecord1(e, lines);
        }},
-      {"clsDataPMrpi.DeleteAllPMrpiRecord", 1,
+      {memberOf<&clsDataPMrpi::DeleteAllPMrpiRecord>(), 1,
        [](Objects& o) { return o.pmrpi.DeleteAllPMrpiRecord(2026110003.0); }},
-      {"clsDataPMrpi.QueryByID", 1,
+      {memberOf<&clsDataPMrpi::QueryByID>(), 1,
        [](Objects& o) {
          clsEntPMrpi e;
          e.F_ProdNo(2026110001.0);
          e.F_ItemNo("RM-2002");
          return o.pmrpi.QueryByID(e);
        }},
-      {"clsDataPMrpi.QueryByIDForPur", 1,
+      {memberOf<&clsDataPMrpi::QueryByIDForPur>(), 1,
        [](Objects& o) {
          Collection c;
          return o.pmrpi.QueryByIDForPur(c, 2026100001.0, 2026119999.0, 1, "RM");
        }},
-      {"clsDataPMrpi.QueryItemNo", 1,
+      {memberOf<&clsDataPMrpi::QueryItemNo>(), 1,
        [](Objects& o) {
          Collection c;
          return o.pmrpi.QueryItemNo(c, "FG-1002", "1");
        }},
-      {"clsDataPMrpi.QueryEItemNo", 1,
+      {memberOf<&clsDataPMrpi::QueryEItemNo>(), 1,
        [](Objects& o) {
          clsEntEItem e;
          e.F_ItemNo("RM-2006");
          return o.pmrpi.QueryEItemNo(e);
        }},
-      {"clsDataPMrpi.AddRecord", 1,
+      {memberOf<&clsDataPMrpi::AddRecord>(), 1,
        [](Objects& o) {
          clsEntPMrpi e;
          e.F_ProdNo(2026110001.0);
@@ -248,7 +252,7 @@ std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
          e.F_LeadTime(3);
          return o.pmrpi.AddRecord(e);
        }},
-      {"clsDataPMrpi.UpdatePMrpiStatus", 0,  // never stores a success value
+      {memberOf<&clsDataPMrpi::UpdatePMrpiStatus>(), 0,  // never stores a success value
        [](Objects& o) {
          clsEntPMrpi e;
          e.F_ProdNo(2026110001.0);
@@ -256,17 +260,156 @@ std::vector<SoakCall> soakCalls(std::int64_t& porderNumber) {
          e.F_Status(1);
          return o.pmrpi.UpdatePMrpiStatus(e);
        }},
-      {"clsDataPMrpi.UpdatePMrphStatus", 1,
+      {memberOf<&clsDataPMrpi::UpdatePMrphStatus>(), 1,
        [](Objects& o) {
          clsEntPMrph e;
          e.F_ProdNo(2026110001.0);
          e.F_Status(1);
          return o.pmrpi.UpdatePMrphStatus(e);
        }},
-      {"clsDataPMrpi.QueryAllNullRecord", 1,
+      {memberOf<&clsDataPMrpi::QueryAllNullRecord>(), 1,
        [](Objects& o) {
          Collection c;
          return o.pmrpi.QueryAllNullRecord(c);
+       }},
+      {memberOf<&clsDataPOrderChk::QueryBOrderiBkQty>(), 1,
+       [](Objects& o) {
+         clsEntBOrderi e;
+         e.F_ProdNo(2026100001.0);
+         e.F_ItemNo("RM-2001");
+         return o.review.QueryBOrderiBkQty(e);
+       }},
+      {memberOf<&clsDataPOrderChk::QueryMonthDate>(), 0,
+       [](Objects& o) {
+         Collection c;
+         return o.review.QueryMonthDate(c);
+       }},
+      {memberOf<&clsDataPOrderChk::QueryProdNo>(), 0,
+       [](Objects& o) {
+         Collection c;
+         return o.review.QueryProdNo(c);
+       }},
+      {memberOf<&clsDataPOrderChk::AddRecord>(), 1,
+       [](Objects& o) {
+         Collection lines;
+         clsEntBOrderi line;
+         line.F_OrderNo(2611015.0);
+         line.F_No("1");
+         line.F_ItemNo("FG-1001");
+         line.F_CItemNo("HM-CUP500");
+         line.F_OrderQty(2500.0);
+         line.F_DeliverDate(makeDate({2027, 1, 8, 0, 0, 0}));
+         lines.Add(line);
+         return o.review.AddRecord(lines, "2611015", "C001", "HM-PO-261118", 4);
+       }},
+      {memberOf<&clsDataPOrderChk::QureyDatabase>(), 1,
+       [](Objects& o) {
+         Collection c;
+         return o.review.QureyDatabase(
+             "select h.F_OrderNo, h.F_OrderDate, h.F_CorderNo, h.F_CustNo, i.F_ProdNo, i.F_ItemNo from "
+             "T_BOrderh h, "
+             "T_BOrderi i where h.F_OrderNo = i.F_OrderNo",
+             c);
+       }},
+      {memberOf<&clsDataPMrph::QueryBOrderhRecordset>(), 0,
+       [](Objects& o) {
+         clsEntBOrderh e;
+         return o.pmrph.QueryBOrderhRecordset(e, 2026110001.0);
+       }},
+      {memberOf<&clsDataPMrph::QueryPMrphRecordset>(), 1,
+       [](Objects& o) {
+         Collection c;
+         std::string sql = "select * from T_PMrph where F_Status = 1";
+         return o.pmrph.QueryPMrphRecordset(c, sql);
+       }},
+      {memberOf<&clsDataPMrph::QueryPMrphStatus>(), 1,
+       [](Objects& o) {
+         clsEntPMrph e;
+         e.F_ProdNo(2026110001.0);
+         return o.pmrph.QueryPMrphStatus(e);
+       }},
+      {memberOf<&clsDataPMrph::QueryByItemNo>(), 1,
+       [](Objects& o) {
+         clsEntPMrph e;
+         e.F_ProdNo(2026110001.0);
+         return o.pmrph.QueryByItemNo(e);
+       }},
+      {memberOf<&clsDataPMrph::QueryByDeliverDate>(), 1,
+       [](Objects& o) {
+         Collection c;
+         return o.pmrph.QueryByDeliverDate(c, makeDate({2026, 11, 1, 0, 0, 0}),
+                                           makeDate({2027, 1, 31, 0, 0, 0}), 1);
+       }},
+      {memberOf<&clsDataPMrph::QueryMonthDate>(), 1,
+       [](Objects& o) {
+         Collection c;
+         return o.pmrph.QueryMonthDate(c);
+       }},
+      {memberOf<&clsDataPMrph::QueryProdNo>(), 1,
+       [](Objects& o) {
+         Collection c;
+         return o.pmrph.QueryProdNo(c);
+       }},
+      {memberOf<&clsDataPMrph::QueryStatus>(), 1,
+       [](Objects& o) {
+         clsEntPOrder e;
+         e.F_ProdNo(2026100003.0);
+         return o.pmrph.QueryStatus(e);
+       }},
+      {memberOf<&clsDataPMrpi::QueryPMrpiStatus>(), 1,
+       [](Objects& o) {
+         Collection c;
+         return o.pmrpi.QueryPMrpiStatus(c, 2026100001.0);
+       }},
+      {memberOf<&clsDataPMrpi::UpdateRecord>(), 1,
+       [](Objects& o) {
+         clsEntPMrpi e;
+         e.F_ProdNo(2026100001.0);
+         e.F_ItemNo("PK-2005");
+         e.F_Dosage(0.0417);
+         e.F_Waste(0.0);
+         e.F_SafeQty(50.0);
+         e.F_RequestQty(10.0);
+         e.F_LeadTime(3);
+         e.F_Status(1);
+         return o.pmrpi.UpdateRecord(e);
+       }},
+      {memberOf<&clsDataPMrpi::QueryByDeliverDate>(), 1,
+       [](Objects& o) {
+         Collection c;
+         return o.pmrpi.QueryByDeliverDate(c, makeDate({2026, 11, 1, 0, 0, 0}),
+                                           makeDate({2027, 1, 31, 0, 0, 0}), 1);
+       }},
+      {memberOf<&clsDataPMrpi::GetRecordByCondition>(), 1,
+       [](Objects& o) {
+         clsEntEItem item;
+         clsEntPMrph header;
+         header.F_ProdNo(2026110001.0);
+         header.F_ItemNo("RM-2001");
+         return o.pmrpi.GetRecordByCondition(item, header);
+       }},
+      {memberOf<&clsDataPMrpi::GetItemNoByProdNo>(), 1,
+       [](Objects& o) {
+         Collection c;
+         clsEntPMrph header;
+         header.F_ProdNo(2026100003.0);
+         return o.pmrpi.GetItemNoByProdNo(c, header);
+       }},
+      {memberOf<&clsDataPMrpi::QueryItemNoRecord>(), 1,
+       [](Objects& o) {
+         Collection c;
+         return o.pmrpi.QueryItemNoRecord(c, "2026110001");
+       }},
+      // The two Variant members answer Empty: 1 stands for it.
+      {memberOf<&clsDataPMrpi::getProdNoItemNo>(), 1,
+       [](Objects& o) -> std::int16_t {
+         Collection c;
+         return o.pmrpi.getProdNoItemNo(c, "202611").isEmpty() ? 1 : 0;
+       }},
+      {memberOf<&clsDataPMrpi::getProdNoItemNoByPMrpi>(), 1,
+       [](Objects& o) -> std::int16_t {
+         Collection c;
+         return o.pmrpi.getProdNoItemNoByPMrpi(c, "2026110001").isEmpty() ? 1 : 0;
        }},
   };
 }
@@ -277,6 +420,15 @@ struct Holdings {
   OdbcHandles handles;
   std::string sessions, preparedStatements;
 };
+
+TEST(SoakMix, CallsEveryMemberOfTheFourClasses) {
+  std::int64_t porderNumber = 0;
+  const std::vector<SoakCall> mix = soakCalls(porderNumber);
+  for (const ClassInfo& cls : componentClasses())
+    for (const MemberInfo& m : cls.members)
+      EXPECT_TRUE(std::any_of(mix.begin(), mix.end(), [&](const SoakCall& c) { return &c.member == &m; }))
+          << cls.name << "." << m.name << " has no call in the mix";
+}
 
 class Soak : public DatabaseTest {
  protected:
@@ -326,8 +478,8 @@ TEST_F(Soak, ManyCallsOnLongLivedAndShortLivedObjectsHoldNoMoreMemoryOrHandlesAt
         result = c.call(longLived);
       }
       if (result != c.status || !messages().messages().empty()) {
-        ADD_FAILURE() << "call " << i << ", " << c.member << ": " << result << " (expected " << c.status
-                      << ")"
+        ADD_FAILURE() << "call " << i << ", " << componentClassOf(c.member).name << "." << c.member.name
+                      << ": " << result << " (expected " << c.status << ")"
                       << (messages().messages().empty() ? ""
                                                         : ", showed " + messages().messages().front().text);
         messages().take();

@@ -15,6 +15,7 @@
 #include "odbc/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "odbc/OdbcRecordset.h"
+#include "porder/clsDataPOrder.h"
 
 namespace tovrand::test {
 
@@ -229,7 +230,7 @@ void MemberCallTest::SetUp() {
   }
   snapshot_ = snapshot;
   host_ = host();
-  keeper_ = createObject(*findComponentClass("clsDataPOrder"), host_);
+  keeper_ = createObject(clsDataPOrder::Members(), host_);
   messages().take();
   trace().clear();
 }
@@ -249,7 +250,7 @@ void MemberCallTest::TearDownTestSuite() {
 
 CallOutcome MemberCallTest::call(const MemberContract& contract, std::vector<Argument>& args) {
   const MemberInfo& member = memberInfo(contract);
-  std::unique_ptr<DispatchObject> object = createObject(*findComponentClass(contract.cls), host_);
+  std::unique_ptr<DispatchObject> object = createObject(contract.cls(), host_);
   messages().take();
   trace().clear();
   CallOutcome outcome;
@@ -403,9 +404,17 @@ Tally& tally(const std::string& kind) {
   return tallies()[kind];
 }
 
+const ClassInfo& MemberContract::cls() const {
+  return componentClassOf(*member);
+}
+
+std::string MemberContract::name() const {
+  return std::string(cls().name) + "." + std::string(member->name);
+}
+
 std::string contractTestName(const ::testing::TestParamInfo<std::size_t>& info) {
   const MemberContract& contract = memberContracts().at(info.param);
-  return contract.cls + "_" + contract.member;
+  return std::string(contract.cls().name) + "_" + std::string(contract.member->name);
 }
 
 }  // namespace tovrand::test

@@ -1,8 +1,8 @@
 #pragma once
 
-// Calls of every member of the four classes by name, from a realistic starting call per member, with
-// one argument or entity property at a time replaced by a hostile value; and what each call may
-// answer: the member's statuses, its message form and the tables it may change.
+// Calls of every member of the four classes through its table entry, from a realistic starting call
+// per member, with one argument or entity property at a time replaced by a hostile value; and what each
+// call may answer: the member's statuses, its message form and the tables it may change.
 
 #include <cstdint>
 #include <map>
@@ -49,8 +49,7 @@ struct MessageForm {
 
 // What one member may answer.
 struct MemberContract {
-  std::string cls;
-  std::string member;
+  const MemberInfo* member;              // its entry in its class's table
   std::vector<std::int16_t> statuses;    // every status it can return; empty: the Variant Empty
   std::vector<std::int16_t> afterError;  // the statuses it can return once it has shown a message
   MessageForm form;
@@ -63,7 +62,8 @@ struct MemberContract {
   // The member goes on after a handled error (a failed reservation release does not stop the loop).
   bool goesOnAfterError = false;
 
-  std::string name() const { return cls + "." + member; }
+  const ClassInfo& cls() const;
+  std::string name() const;  // clsDataPOrder.AddRecord
 };
 
 // Every member of the four classes, in interface order.

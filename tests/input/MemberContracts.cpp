@@ -1,8 +1,11 @@
 // What every member of the four classes may answer, and a realistic call of each on the sample data
 // (schema/sample.sql, curdate() on 2026-11-22).
-#include <stdexcept>
-
+#include "frame/Invoke.h"
 #include "frame/Messages.h"
+#include "pmrph/clsDataPMrph.h"
+#include "pmrpi/clsDataPMrpi.h"
+#include "porder/clsDataPOrder.h"
+#include "porderchk/clsDataPOrderChk.h"
 #include "tests/input/MemberCalls.h"
 
 namespace tovrand::test {
@@ -131,30 +134,27 @@ std::vector<MemberContract> contracts() {
   std::vector<MemberContract> c;
 
   // clsDataPOrder
-  c.push_back({"clsDataPOrder",
-               "QueryByStrSql",
+  c.push_back({&memberOf<&clsDataPOrder::QueryByStrSql>(),
                S{0, 1},
                S{0, 1},
                kCriticalQuenta,
                {},
                {{list("clsEntPOrder"), Value(" where F_CustNo='C003'")}}});
-  c.push_back({"clsDataPOrder", "GetALLChkList", S{0, 1}, S{0, 1}, kQuery, {}, {{list("clsEntPOrder")}}});
-  c.push_back({"clsDataPOrder",
-               "QueryItem",
+  c.push_back(
+      {&memberOf<&clsDataPOrder::GetALLChkList>(), S{0, 1}, S{0, 1}, kQuery, {}, {{list("clsEntPOrder")}}});
+  c.push_back({&memberOf<&clsDataPOrder::QueryItem>(),
                S{0, 1},
                S{0},
                kQuery,
                {},
                {{EntityShape{"clsEntPOrder", {{"F_ProdNo", num(2026100001)}}}}}});
-  c.push_back({"clsDataPOrder",
-               "CheckCustProdNo",
+  c.push_back({&memberOf<&clsDataPOrder::CheckCustProdNo>(),
                S{0, 1},
                S{0},
                kQuery,
                {},
                {{EntityShape{"clsEntPOrder", {}}, Value("C003"), num(2026100001)}}});
-  c.push_back({"clsDataPOrder",
-               "AddRecord",
+  c.push_back({&memberOf<&clsDataPOrder::AddRecord>(),
                S{0, 1},
                S{0},
                kWrite,
@@ -171,10 +171,13 @@ std::vector<MemberContract> contracts() {
                               {"F_OrdQty", num(800)},
                               {"F_DeliverDate", day(2026, 12, 20)},
                               {"F_Status", small(2)}}}}}});
-  c.push_back(
-      {"clsDataPOrder", "UpdateRecord", S{0, 1}, S{0}, kWrite, {"t_porder"}, {{fullOrder(2026100002)}}});
-  c.push_back({"clsDataPOrder",
-               "UpdateOrderOutNo",
+  c.push_back({&memberOf<&clsDataPOrder::UpdateRecord>(),
+               S{0, 1},
+               S{0},
+               kWrite,
+               {"t_porder"},
+               {{fullOrder(2026100002)}}});
+  c.push_back({&memberOf<&clsDataPOrder::UpdateOrderOutNo>(),
                S{0, 1},
                S{0},
                kWrite,
@@ -184,20 +187,21 @@ std::vector<MemberContract> contracts() {
                               {"F_OrderOutNo", num(26110009)},
                               {"F_ProdDate", day(2026, 11, 20, 8, 30)},
                               {"F_ProdQty", num(100)}}}}}});
-  c.push_back({"clsDataPOrder", "QueryAllProdNo", S{0, 1}, S{0, 1}, kQuery, {}, {{DoubleArrayShape{0.0}}}});
+  c.push_back(
+      {&memberOf<&clsDataPOrder::QueryAllProdNo>(), S{0, 1}, S{0, 1}, kQuery, {}, {{DoubleArrayShape{0.0}}}});
 
   // clsDataPOrderChk
   c.push_back(
-      {"clsDataPOrderChk",
-       "QueryBOrderiBkQty",
+      {&memberOf<&clsDataPOrderChk::QueryBOrderiBkQty>(),
        S{0, 1},
        S{0},
        kWrite,
        {},
        {{EntityShape{"clsEntBOrderi", {{"F_ProdNo", num(2026100001)}, {"F_ItemNo", Value("RM-2001")}}}}}});
-  c.push_back({"clsDataPOrderChk", "JudgeExits", S{0, 1}, S{0}, kWrite, {}, {{Value("FG-1001")}}});
+  c.push_back({&memberOf<&clsDataPOrderChk::JudgeExits>(), S{0, 1}, S{0}, kWrite, {}, {{Value("FG-1001")}}});
   {
-    MemberContract signOff{"clsDataPOrderChk", "UpdateRecord", S{0, 1}, S{0}, kWrite, {"t_porderchk"}, {}};
+    MemberContract signOff{
+        &memberOf<&clsDataPOrderChk::UpdateRecord>(), S{0, 1}, S{0}, kWrite, {"t_porderchk"}, {}};
     const char* departments[] = {"业务", "工程", "仓库", "采购", "品保", "生管", "终审"};
     for (const char* department : departments) signOff.starts.push_back({fullReview(), Value(department)});
     // Each department's statement reads its own columns; the production number is in every one.
@@ -239,24 +243,23 @@ std::vector<MemberContract> contracts() {
     };
     c.push_back(std::move(signOff));
   }
-  c.push_back({"clsDataPOrderChk",
-               "QueryAll",
+  c.push_back({&memberOf<&clsDataPOrderChk::QueryAll>(),
                S{0},
                S{0},
                kQuery,
                {},
                {{EntityShape{"clsEntPOrderChk", {}}, num(2026110001)}}});
-  c.push_back({"clsDataPOrderChk",
-               "QueryProdNoView",
+  c.push_back({&memberOf<&clsDataPOrderChk::QueryProdNoView>(),
                S{0, 1, 2},
                S{0},
                kQuery,
                {},
                {{EntityShape{"clsEntPOrderChk", {{"F_ProdNo", num(2026110001)}}}}}});
-  c.push_back({"clsDataPOrderChk", "QueryMonthDate", S{0}, S{0}, kWrite, {}, {{list("clsEntPOrderChk")}}});
-  c.push_back({"clsDataPOrderChk", "QueryProdNo", S{0}, S{0}, kQuery, {}, {{list("clsEntPOrderChk")}}});
-  c.push_back({"clsDataPOrderChk",
-               "AddRecord",
+  c.push_back(
+      {&memberOf<&clsDataPOrderChk::QueryMonthDate>(), S{0}, S{0}, kWrite, {}, {{list("clsEntPOrderChk")}}});
+  c.push_back(
+      {&memberOf<&clsDataPOrderChk::QueryProdNo>(), S{0}, S{0}, kQuery, {}, {{list("clsEntPOrderChk")}}});
+  c.push_back({&memberOf<&clsDataPOrderChk::AddRecord>(),
                S{0, 1},
                S{0},
                kWrite,
@@ -269,8 +272,7 @@ std::vector<MemberContract> contracts() {
                                                      {"F_OrderQty", num(2500)},
                                                      {"F_DeliverDate", day(2027, 1, 8)}}}}),
                  Value("2611015"), Value("C001"), Value("HM-PO-261118"), small(4)}}});
-  c.push_back({"clsDataPOrderChk",
-               "QureyDatabase",
+  c.push_back({&memberOf<&clsDataPOrderChk::QureyDatabase>(),
                S{0, 1},
                S{0},
                kWrite,
@@ -278,8 +280,7 @@ std::vector<MemberContract> contracts() {
                {{Value("select h.F_OrderNo, h.F_OrderDate, h.F_CorderNo, h.F_CustNo, i.F_ProdNo, i.F_ItemNo "
                        "from T_BOrderh h, T_BOrderi i where h.F_OrderNo = i.F_OrderNo"),
                  list("clsEntBOrderh")}}});
-  c.push_back({"clsDataPOrderChk",
-               "QuerySalerID",
+  c.push_back({&memberOf<&clsDataPOrderChk::QuerySalerID>(),
                S{0, 1},
                S{0},
                kWrite,
@@ -287,66 +288,58 @@ std::vector<MemberContract> contracts() {
                {{EntityShape{"clsEntBOrderh", {{"F_ProdNo", num(2026110001)}}}}}});
 
   // clsDataPMrph
-  c.push_back({"clsDataPMrph",
-               "QueryBOrderhRecordset",
+  c.push_back({&memberOf<&clsDataPMrph::QueryBOrderhRecordset>(),
                S{0, 2},
                S{2},
                kCriticalNotice,
                {},
                {{EntityShape{"clsEntBOrderh", {}}, num(2026110001)}}});
-  c.push_back({"clsDataPMrph",
-               "QueryPMrphRecordset",
+  c.push_back({&memberOf<&clsDataPMrph::QueryPMrphRecordset>(),
                S{0, 1},
                S{0},
                kCriticalNotice,
                {},
                {{list("clsEntPMrph"), Value("select * from T_PMrph where F_Status = 1")}}});
-  c.push_back({"clsDataPMrph",
-               "QueryPMrphStatus",
+  c.push_back({&memberOf<&clsDataPMrph::QueryPMrphStatus>(),
                S{0, 1},
                S{0},
                kWrite,
                {},
                {{EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}}}}}});
-  c.push_back({"clsDataPMrph",
-               "QueryByItemNo",
+  c.push_back({&memberOf<&clsDataPMrph::QueryByItemNo>(),
                S{0, 1},
                S{0},
                kQuery,
                {},
                {{EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}}}}}});
-  c.push_back({"clsDataPMrph",
-               "UpdateRecord",
+  c.push_back({&memberOf<&clsDataPMrph::UpdateRecord>(),
                S{0, 1, 2},
                S{0},
                kWrite,
                {"t_pmrph"},
                {{header(2026100003, "FG-1002", 300, 20, 300, 280, 1)}}});
-  c.push_back({"clsDataPMrph",
-               "QueryByIDForPur",
+  c.push_back({&memberOf<&clsDataPMrph::QueryByIDForPur>(),
                S{0, 1},
                S{0},
                kQuery,
                {},
                {{list("clsEntPMrph"), num(2026090001), num(2026119999), small(1), Value("FG")}}});
-  c.push_back({"clsDataPMrph",
-               "QueryByDeliverDate",
+  c.push_back({&memberOf<&clsDataPMrph::QueryByDeliverDate>(),
                S{0, 1},
                S{0},
                kQuery,
                {},
                {{list("clsEntPMrph"), day(2026, 11, 1), day(2027, 1, 31), small(1)}}});
-  c.push_back({"clsDataPMrph", "QueryMonthDate", S{0, 1}, S{0}, kQuery, {}, {{list("clsEntPMrph")}}});
-  c.push_back({"clsDataPMrph", "QueryProdNo", S{0, 1}, S{0}, kQuery, {}, {{list("clsEntPMrph")}}});
-  c.push_back({"clsDataPMrph",
-               "QueryStatus",
+  c.push_back(
+      {&memberOf<&clsDataPMrph::QueryMonthDate>(), S{0, 1}, S{0}, kQuery, {}, {{list("clsEntPMrph")}}});
+  c.push_back({&memberOf<&clsDataPMrph::QueryProdNo>(), S{0, 1}, S{0}, kQuery, {}, {{list("clsEntPMrph")}}});
+  c.push_back({&memberOf<&clsDataPMrph::QueryStatus>(),
                S{0, 1},
                S{0},
                kQuery,
                {},
                {{EntityShape{"clsEntPOrder", {{"F_ProdNo", num(2026100003)}}}}}});
-  c.push_back({"clsDataPMrph",
-               "QueryProdNoRecord",
+  c.push_back({&memberOf<&clsDataPMrph::QueryProdNoRecord>(),
                S{0, 1},
                S{0},
                kQuery,
@@ -356,8 +349,7 @@ std::vector<MemberContract> contracts() {
     // The computation and the reservation are private routines with handlers of their own: their
     // failure shows its message, and the planning goes on and answers 1.
     MemberContract plan{
-        "clsDataPMrph",
-        "AddRecord1",
+        &memberOf<&clsDataPMrph::AddRecord1>(),
         S{0, 1},
         S{0, 1},
         kWrite,
@@ -367,15 +359,13 @@ std::vector<MemberContract> contracts() {
     plan.goesOnAfterError = true;
     c.push_back(std::move(plan));
   }
-  c.push_back({"clsDataPMrph",
-               "AddRecord",
+  c.push_back({&memberOf<&clsDataPMrph::AddRecord>(),
                S{0, 1},
                S{0},
                kWrite,
                {"t_pmrph"},
                {{header(2026110001, "FG-1001", 5200, 200, 5000, 100, 1)}}});
-  c.push_back({"clsDataPMrph",
-               "AccountData",
+  c.push_back({&memberOf<&clsDataPMrph::AccountData>(),
                S{0, 1},
                S{0},
                kWrite,
@@ -384,89 +374,77 @@ std::vector<MemberContract> contracts() {
                  num(0), num(0), num(0), num(0), num(0), num(0), num(0), num(0), num(0), num(0)}}});
 
   // clsDataPMrpi
-  c.push_back({"clsDataPMrpi",
-               "QueryPMrpiStatus",
+  c.push_back({&memberOf<&clsDataPMrpi::QueryPMrpiStatus>(),
                S{0, 1},
                S{0},
                kWrite,
                {},
                {{list("clsEntPMrpi"), num(2026100001)}}});
-  c.push_back({"clsDataPMrpi",
-               "UpdatePMrpiStatus",
+  c.push_back({&memberOf<&clsDataPMrpi::UpdatePMrpiStatus>(),
                S{0},
                S{0},
                kWrite,
                {"t_pmrpi"},
                {{line(2026100001, "RM-2003", 1, 0.02, 200, 826, 3, 2)}}});
-  c.push_back({"clsDataPMrpi",
-               "UpdatePMrphStatus",
+  c.push_back({&memberOf<&clsDataPMrpi::UpdatePMrphStatus>(),
                S{0, 1},
                S{0},
                kWrite,
                {"t_pmrph"},
                {{header(2026110001, "FG-1001", 5200, 200, 5200, 0, 2)}}});
-  c.push_back({"clsDataPMrpi",
-               "UpdateRecord",
+  c.push_back({&memberOf<&clsDataPMrpi::UpdateRecord>(),
                S{0, 1},
                S{0},
                kWrite,
                {"t_pmrpi"},
                {{line(2026100001, "PK-2005", 0.0417, 0, 50, 10, 3, 1)}}});
   c.push_back(
-      {"clsDataPMrpi",
-       "QueryByID",
+      {&memberOf<&clsDataPMrpi::QueryByID>(),
        S{0, 1, 2},
        S{2},
        kQuery,
        {},
        {{EntityShape{"clsEntPMrpi", {{"F_ProdNo", num(2026110001)}, {"F_ItemNo", Value("RM-2002")}}}}}});
-  c.push_back({"clsDataPMrpi",
-               "QueryByIDForPur",
+  c.push_back({&memberOf<&clsDataPMrpi::QueryByIDForPur>(),
                S{0, 1, 2},
                S{2},
                kQuery,
                {},
                {{list("clsEntPMrpi"), num(2026090001), num(2026119999), small(1), Value("RM")}}});
-  c.push_back({"clsDataPMrpi",
-               "QueryByDeliverDate",
+  c.push_back({&memberOf<&clsDataPMrpi::QueryByDeliverDate>(),
                S{0, 1, 2},
                S{2},
                kQuery,
                {},
                {{list("clsEntPMrpi"), day(2026, 11, 1), day(2027, 1, 31), small(1)}}});
   c.push_back(
-      {"clsDataPMrpi",
-       "GetRecordByCondition",
+      {&memberOf<&clsDataPMrpi::GetRecordByCondition>(),
        S{0, 1, 2},
        S{2},
        kQuery,
        {},
        {{EntityShape{"clsEntEItem", {}},
          EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026110001)}, {"F_ItemNo", Value("RM-2001")}}}}}});
-  c.push_back({"clsDataPMrpi",
-               "GetItemNoByProdNo",
+  c.push_back({&memberOf<&clsDataPMrpi::GetItemNoByProdNo>(),
                S{0, 1},
                S{0, 1},
                kWrite,
                {},
                {{list("clsEntPMrpi"), EntityShape{"clsEntPMrph", {{"F_ProdNo", num(2026100003)}}}}}});
-  c.push_back({"clsDataPMrpi",
-               "QueryItemNo",
+  c.push_back({&memberOf<&clsDataPMrpi::QueryItemNo>(),
                S{0, 1, 2},
                S{2},
                kQuery,
                {},
                {{list("clsEntEBom"), Value("FG-1001"), Value("1")},
                 {list("clsEntEBom"), Value("2026110001"), Value("2")}}});
-  c.push_back({"clsDataPMrpi",
-               "QueryEItemNo",
+  c.push_back({&memberOf<&clsDataPMrpi::QueryEItemNo>(),
                S{0, 1, 2},
                S{2},
                kQuery,
                {},
                {{EntityShape{"clsEntEItem", {{"F_ItemNo", Value("RM-2001")}}}}}});
-  c.push_back({"clsDataPMrpi",
-               "QueryItemNoRecord",
+  c.push_back({&memberOf<&clsDataPMrpi::QueryItemNoRecord>(),
                S{0, 1, 2},
                S{2},
                kQuery,
@@ -474,8 +452,7 @@ std::vector<MemberContract> contracts() {
                {{list("clsEntPMrpi"), Value("2026110001")}}});
   {
     // A failed release of one material shows its message and the loop goes on: 1 with messages.
-    MemberContract release{"clsDataPMrpi",
-                           "DeleteAllPMrpiRecord",
+    MemberContract release{&memberOf<&clsDataPMrpi::DeleteAllPMrpiRecord>(),
                            S{0, 1},
                            S{0, 1},
                            kWrite,
@@ -484,23 +461,26 @@ std::vector<MemberContract> contracts() {
     release.goesOnAfterError = true;
     c.push_back(std::move(release));
   }
-  c.push_back({"clsDataPMrpi",
-               "AddRecord",
+  c.push_back({&memberOf<&clsDataPMrpi::AddRecord>(),
                S{1, 2},
                S{2},
                kWrite,
                {"t_pmrpi"},
                {{line(2026100002, "RM-2010", 3.2, 0.03, 200, 100, 7, 0)}}});
-  c.push_back(
-      {"clsDataPMrpi", "getProdNoItemNo", S{}, S{}, kQuery, {}, {{list("clsEntPMrph"), Value("202611")}}});
-  c.push_back({"clsDataPMrpi",
-               "getProdNoItemNoByPMrpi",
+  c.push_back({&memberOf<&clsDataPMrpi::getProdNoItemNo>(),
+               S{},
+               S{},
+               kQuery,
+               {},
+               {{list("clsEntPMrph"), Value("202611")}}});
+  c.push_back({&memberOf<&clsDataPMrpi::getProdNoItemNoByPMrpi>(),
                S{},
                S{},
                kQuery,
                {},
                {{list("clsEntPMrpi"), Value("2026110001")}}});
-  c.push_back({"clsDataPMrpi", "QueryAllNullRecord", S{0, 1}, S{0}, kWrite, {}, {{list("clsEntPMrph")}}});
+  c.push_back(
+      {&memberOf<&clsDataPMrpi::QueryAllNullRecord>(), S{0, 1}, S{0}, kWrite, {}, {{list("clsEntPMrph")}}});
   return c;
 }
 
@@ -512,10 +492,7 @@ const std::vector<MemberContract>& memberContracts() {
 }
 
 const MemberInfo& memberInfo(const MemberContract& contract) {
-  const ClassInfo* cls = findComponentClass(contract.cls);
-  const MemberInfo* member = cls ? cls->find(contract.member) : nullptr;
-  if (member == nullptr) throw std::logic_error("no member " + contract.name());
-  return *member;
+  return *contract.member;
 }
 
 }  // namespace tovrand::test

@@ -5,6 +5,7 @@
 // value of its type without multiplying them with each other.
 #include <gtest/gtest.h>
 
+#include "component/Component.h"
 #include "tests/input/MemberCalls.h"
 
 namespace tovrand::test {
@@ -53,13 +54,16 @@ INSTANTIATE_TEST_SUITE_P(EveryMember, BadInput, ::testing::Range<std::size_t>(0,
                          contractTestName);
 
 TEST(MemberContracts, CoverEveryMemberOfTheFourClassesInInterfaceOrder) {
-  std::vector<std::string> expected;
+  std::vector<const MemberInfo*> expected;
   for (const ClassInfo& cls : componentClasses())
-    for (const MemberInfo& m : cls.members)
-      expected.push_back(std::string(cls.name) + "." + std::string(m.name));
-  std::vector<std::string> covered;
-  for (const MemberContract& c : memberContracts()) covered.push_back(c.name());
-  EXPECT_EQ(covered, expected);
+    for (const MemberInfo& m : cls.members) expected.push_back(&m);
+  std::vector<const MemberInfo*> covered;
+  for (const MemberContract& c : memberContracts()) covered.push_back(c.member);
+  ASSERT_EQ(covered.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i)
+    EXPECT_EQ(covered[i], expected[i])
+        << "contract " << i << " is " << memberContracts()[i].name() << ", the table has "
+        << componentClassOf(*expected[i]).name << "." << expected[i]->name;
 }
 
 TEST(MemberContracts, EveryStartingCallGivesEveryParameterAnArgumentOfItsKind) {

@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "component/Component.h"
+#include "frame/Invoke.h"
 #include "frame/Messages.h"
+#include "pmrpi/clsDataPMrpi.h"
 #include "tests/input/MemberCalls.h"
 
 namespace tovrand::test {
@@ -63,9 +65,9 @@ INSTANTIATE_TEST_SUITE_P(EveryMember, Injection, ::testing::Range<std::size_t>(0
 class StoredText : public MemberCallTest {
  protected:
   std::int16_t releasePlanning(double prodNo) {
-    auto object = createObject(*findComponentClass("clsDataPMrpi"), host());
+    auto object = createObject(clsDataPMrpi::Members(), host());
     std::vector<Argument> args{Value(prodNo)};
-    Value result = object->invoke(*findComponentClass("clsDataPMrpi")->find("DeleteAllPMrpiRecord"), args);
+    Value result = object->invoke(memberOf<&clsDataPMrpi::DeleteAllPMrpiRecord>(), args);
     return result.integer();
   }
 };

@@ -6,8 +6,11 @@
 #include <algorithm>
 
 #include "component/Component.h"
+#include "frame/Invoke.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
+#include "pmrph/clsDataPMrph.h"
+#include "porderchk/clsDataPOrderChk.h"
 #include "tests/input/MemberCalls.h"
 #include "vb/VbError.h"
 
@@ -114,14 +117,12 @@ TEST_F(ComponentAccountTest, CannotWriteATableOrColumnItHasNoBusinessIn) {
 
 TEST_F(ComponentAccountTest, TheCallersFreeSqlRunsWithTheAccountsPrivileges) {
   const std::string schema = schemaDigest();
-  auto chk = createObject(*findComponentClass("clsDataPOrderChk"), host());
+  auto chk = createObject(clsDataPOrderChk::Members(), host());
   std::vector<Argument> drop{Value("drop table t_porder"), std::make_shared<Collection>()};
-  EXPECT_EQ(chk->invoke(*findComponentClass("clsDataPOrderChk")->find("QureyDatabase"), drop),
-            Value(std::int16_t{0}));
-  auto mrph = createObject(*findComponentClass("clsDataPMrph"), host());
+  EXPECT_EQ(chk->invoke(memberOf<&clsDataPOrderChk::QureyDatabase>(), drop), Value(std::int16_t{0}));
+  auto mrph = createObject(clsDataPMrph::Members(), host());
   std::vector<Argument> wipe{std::make_shared<Collection>(), Value("delete from t_pmrph")};
-  EXPECT_EQ(mrph->invoke(*findComponentClass("clsDataPMrph")->find("QueryPMrphRecordset"), wipe),
-            Value(std::int16_t{0}));
+  EXPECT_EQ(mrph->invoke(memberOf<&clsDataPMrph::QueryPMrphRecordset>(), wipe), Value(std::int16_t{0}));
   ASSERT_EQ(messages().messages().size(), 2u);
   EXPECT_NE(messages().messages()[0].text.find("DROP command denied"), std::string::npos);
   EXPECT_NE(messages().messages()[1].text.find("DELETE command denied"), std::string::npos);
@@ -144,9 +145,9 @@ TEST_F(ComponentAccountTest, EveryMembersOrdinaryCallRunsUnderTheAccount) {
 
 TEST_F(ComponentAccountTest, WritesTheStockSummaryRowOfAMaterialThatHasNone) {
   // The one insert into another module's table: a reservation of a material without a summary row.
-  const MemberContract& plan =
-      *std::find_if(memberContracts().begin(), memberContracts().end(),
-                    [](const MemberContract& c) { return c.name() == "clsDataPMrph.AddRecord1"; });
+  const MemberContract& plan = *std::find_if(
+      memberContracts().begin(), memberContracts().end(),
+      [](const MemberContract& c) { return c.member == &memberOf<&clsDataPMrph::AddRecord1>(); });
   CallShape start = plan.starts.front();
   std::get<CollectionShape>(start[1]).elements.front().properties[1].second = Value("RM-2011");
   ASSERT_EQ(scalar("select count(*) from t_wstockqtyh where F_ItemNo = 'RM-2011'"), "0");

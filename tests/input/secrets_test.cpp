@@ -9,9 +9,11 @@
 
 #include "component/Component.h"
 #include "entities/Entities.h"
+#include "frame/Invoke.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/NativeHost.h"
 #include "odbc/OdbcConnection.h"
+#include "porder/clsDataPOrder.h"
 #include "tests/support/TestDatabase.h"
 #include "tooling/Process.h"
 #include "vb/VbError.h"
@@ -71,7 +73,7 @@ class Secrets : public DatabaseTest {
 TEST_F(Secrets, AWrongPasswordIsNamedAsRefusedAndNeverShown) {
   try {
     auto h = std::make_shared<NativeHost>(wrongDsn(), std::make_shared<RecordingMessageSink>());
-    auto object = createObject(*findComponentClass("clsDataPOrder"), h);
+    auto object = createObject(clsDataPOrder::Members(), h);
     FAIL() << "a wrong password connected";
   } catch (const VbError& e) {
     EXPECT_NE(e.description().find("Access denied"), std::string::npos) << e.description();
@@ -81,8 +83,8 @@ TEST_F(Secrets, AWrongPasswordIsNamedAsRefusedAndNeverShown) {
 }
 
 TEST_F(Secrets, APasswordChangedUnderARunningObjectIsNotShownWhenItsReconnectIsRefused) {
-  auto object = createObject(*findComponentClass("clsDataPOrder"), host());
-  const MemberInfo& queryItem = *findComponentClass("clsDataPOrder")->find("QueryItem");
+  auto object = createObject(clsDataPOrder::Members(), host());
+  const MemberInfo& queryItem = memberOf<&clsDataPOrder::QueryItem>();
   auto query = [&] {
     clsEntPOrder order;
     order.F_ProdNo(2026110001.0);

@@ -6,9 +6,11 @@
 #include <filesystem>
 
 #include "component/Component.h"
+#include "frame/Invoke.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/NativeHost.h"
 #include "odbc/OdbcConnection.h"
+#include "porder/clsDataPOrder.h"
 #include "tests/support/ExpectVbError.h"
 #include "tests/support/TestDatabase.h"
 #include "tooling/PrivateServer.h"
@@ -114,11 +116,9 @@ TEST_F(TlsServer, ASessionThatChecksTheCertificateIsEncryptedAndTheComponentRuns
   session->execute("create table t_porder (F_ProdNo double not null primary key, F_CustNo varchar(20))");
   session->execute("insert into t_porder values (2026110001, 'C001'), (2025110001, 'C002')");
   auto messages = std::make_shared<RecordingMessageSink>();
-  auto object =
-      createObject(*findComponentClass("clsDataPOrder"), std::make_shared<NativeHost>(dsn, messages));
+  auto object = createObject(clsDataPOrder::Members(), std::make_shared<NativeHost>(dsn, messages));
   std::vector<Argument> args{std::vector<double>{}};
-  EXPECT_EQ(object->invoke(*findComponentClass("clsDataPOrder")->find("QueryAllProdNo"), args),
-            Value(std::int16_t{1}));
+  EXPECT_EQ(object->invoke(memberOf<&clsDataPOrder::QueryAllProdNo>(), args), Value(std::int16_t{1}));
   EXPECT_EQ(std::get<std::vector<double>>(args[0]), (std::vector<double>{0, 2026110001}));
   EXPECT_TRUE(messages->messages().empty()) << messages->messages().front().text;
 }

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "component/Component.h"
+#include "frame/Invoke.h"
+#include "pmrph/clsDataPMrph.h"
 #include "tests/pmrph/PMrphTest.h"
 
 namespace tovrand::test {
@@ -20,11 +22,9 @@ class LateBound : public PMrphTest {
     object_.reset();
     PMrphTest::TearDown();
   }
-  Value call(const char* member, std::vector<Argument>& args) {
-    const MemberInfo* m = cls_->find(member);
-    EXPECT_NE(m, nullptr) << member;
+  Value call(const MemberInfo& member, std::vector<Argument>& args) {
     trace().clear();
-    return object_->invoke(*m, args);
+    return object_->invoke(member, args);
   }
 
  private:
@@ -47,7 +47,7 @@ TEST_F(LateBound, AccountDataWritesEveryFigureBackIntoItsArgument) {
   std::vector<Argument> args{Entity(header(2026110001, "M-01"))};
   for (int i = 0; i < 10; ++i) args.emplace_back(std::in_place_type<Value>, -1.0);
 
-  EXPECT_EQ(call("AccountData", args), Value(std::int16_t{1}));
+  EXPECT_EQ(call(memberOf<&clsDataPMrph::AccountData>(), args), Value(std::int16_t{1}));
 
   //                                  C1    A     P      M     K     S     SQ    AT    BN    ATi
   const std::vector<double> expected{30, 30, 120, 55, 55, 40, 10, 35, 40, 5};
@@ -60,7 +60,7 @@ TEST_F(LateBound, AccountDataForAMissingHeaderHandsTheFiguresBackUnchanged) {
   std::vector<Argument> args{Entity(header(2026110001, "M-01"))};
   for (int i = 1; i <= 10; ++i) args.emplace_back(std::in_place_type<Value>, static_cast<double>(i));
 
-  EXPECT_EQ(call("AccountData", args), Value(std::int16_t{0}));
+  EXPECT_EQ(call(memberOf<&clsDataPMrph::AccountData>(), args), Value(std::int16_t{0}));
 
   for (int i = 1; i <= 10; ++i) EXPECT_EQ(std::get<Value>(args[i]), Value(static_cast<double>(i)));
 }
@@ -70,7 +70,7 @@ TEST_F(LateBound, QueryPMrphRecordsetHandsItsTextBack) {
   auto col = std::make_shared<Collection>();
   std::vector<Argument> args{col, Value("select * from t_pmrph")};
 
-  EXPECT_EQ(call("QueryPMrphRecordset", args), Value(std::int16_t{1}));
+  EXPECT_EQ(call(memberOf<&clsDataPMrph::QueryPMrphRecordset>(), args), Value(std::int16_t{1}));
 
   EXPECT_EQ(std::get<Value>(args[1]), Value("select * from t_pmrph"));
   ASSERT_EQ(col->Count(), 1);
@@ -84,10 +84,10 @@ TEST_F(LateBound, QueryByIDForPurAndQueryByDeliverDateTakeTheirRangeChoice) {
   auto col = std::make_shared<Collection>();
   std::vector<Argument> byId{col, Value(2026110001.0), Value(2026110001.0), Value(std::int16_t{1}),
                              Value("M-")};
-  EXPECT_EQ(call("QueryByIDForPur", byId), Value(std::int16_t{1}));
+  EXPECT_EQ(call(memberOf<&clsDataPMrph::QueryByIDForPur>(), byId), Value(std::int16_t{1}));
   std::vector<Argument> byDate{col, Value(date(2026, 11, 1)), Value(date(2026, 12, 31)),
                                Value(std::int16_t{5})};
-  EXPECT_EQ(call("QueryByDeliverDate", byDate), Value(std::int16_t{0}));
+  EXPECT_EQ(call(memberOf<&clsDataPMrph::QueryByDeliverDate>(), byDate), Value(std::int16_t{0}));
   EXPECT_TRUE(sql().empty());
   EXPECT_EQ(prodNos(*col), std::vector<double>{2026110001});
 }
@@ -97,45 +97,46 @@ TEST_F(LateBound, EveryEntityMemberReachesItsMethod) {
       "insert into t_pmrph (F_ProdNo, F_ItemNo, F_OrderQty, F_Status) values (2026110001, 'M-01', 7, 1);"
       "insert into t_porder (F_ProdNo, F_Status) values (2026110001, 3)");
   const struct {
-    const char* member;
+    const MemberInfo& member;
     const char* statement;
   } calls[] = {
-      {"QueryPMrphStatus", "Select * From T_PMrph Where F_ProdNO='2026110001'"},
-      {"QueryByItemNo", "select * from T_PMrph where F_ProdNo = '2026110001'"},
-      {"QueryProdNoRecord", "select *  from T_PMrph WHERE F_ProdNo=2026110001"},
-      {"UpdateRecord", "select * from T_PMrph where F_ProdNo = '2026110001'"},
-      {"AddRecord", "SELECT * FROM T_PMrph WHERE F_ProdNo=2026110001"},
+      {memberOf<&clsDataPMrph::QueryPMrphStatus>(), "Select * From T_PMrph Where F_ProdNO='2026110001'"},
+      {memberOf<&clsDataPMrph::QueryByItemNo>(), "select * from T_PMrph where F_ProdNo = '2026110001'"},
+      {memberOf<&clsDataPMrph::QueryProdNoRecord>(), "select *  from T_PMrph WHERE F_ProdNo=2026110001"},
+      {memberOf<&clsDataPMrph::UpdateRecord>(), "select * from T_PMrph where F_ProdNo = '2026110001'"},
+      {memberOf<&clsDataPMrph::AddRecord>(), "SELECT * FROM T_PMrph WHERE F_ProdNo=2026110001"},
   };
   for (const auto& c : calls) {
     std::vector<Argument> args{Entity(header(2026110001, "M-01"))};
-    EXPECT_EQ(call(c.member, args), Value(std::int16_t{1})) << c.member;
-    EXPECT_EQ(sql(), std::vector<std::string>{c.statement}) << c.member;
+    EXPECT_EQ(call(c.member, args), Value(std::int16_t{1})) << c.member.name;
+    EXPECT_EQ(sql(), std::vector<std::string>{c.statement}) << c.member.name;
   }
   clsEntPOrder order;
   order.F_ProdNo(2026110001.0);
   std::vector<Argument> status{Entity(order)};
-  EXPECT_EQ(call("QueryStatus", status), Value(std::int16_t{1}));
+  EXPECT_EQ(call(memberOf<&clsDataPMrph::QueryStatus>(), status), Value(std::int16_t{1}));
   EXPECT_EQ(order.F_Status(), 3);
   clsEntBOrderh salesOrder;
   std::vector<Argument> bOrderh{Entity(salesOrder), Value(2026110001.0)};
-  EXPECT_EQ(call("QueryBOrderhRecordset", bOrderh), Value(std::int16_t{0}));
-  for (const char* member : {"QueryMonthDate", "QueryProdNo"}) {
+  EXPECT_EQ(call(memberOf<&clsDataPMrph::QueryBOrderhRecordset>(), bOrderh), Value(std::int16_t{0}));
+  for (const MemberInfo* member :
+       {&memberOf<&clsDataPMrph::QueryMonthDate>(), &memberOf<&clsDataPMrph::QueryProdNo>()}) {
     auto col = std::make_shared<Collection>();
     std::vector<Argument> args{col};
-    EXPECT_EQ(call(member, args), Value(std::int16_t{1})) << member;
-    EXPECT_EQ(col->Count(), 1) << member;
+    EXPECT_EQ(call(*member, args), Value(std::int16_t{1})) << member->name;
+    EXPECT_EQ(col->Count(), 1) << member->name;
   }
   auto lines = std::make_shared<Collection>();
   std::vector<Argument> planning{Entity(header(2026110001, "M-01")), lines};
-  EXPECT_EQ(call("AddRecord1", planning), Value(std::int16_t{1}));
+  EXPECT_EQ(call(memberOf<&clsDataPMrph::AddRecord1>(), planning), Value(std::int16_t{1}));
   EXPECT_TRUE(shown().empty());
 }
 
 TEST_F(LateBound, AnEntityOfAnotherClassIsATypeMismatch) {
   std::vector<Argument> args{Entity(clsEntPOrder())};
-  const MemberInfo* m = findComponentClass("clsDataPMrph")->find("QueryByItemNo");
+  const MemberInfo* m = &memberOf<&clsDataPMrph::QueryByItemNo>();
   ASSERT_NE(m, nullptr);
-  EXPECT_THROW(createObject(*findComponentClass("clsDataPMrph"), host())->invoke(*m, args), VbError);
+  EXPECT_THROW(createObject(clsDataPMrph::Members(), host())->invoke(*m, args), VbError);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "component/Component.h"
+#include "frame/Invoke.h"
+#include "porderchk/clsDataPOrderChk.h"
 #include "tests/porderchk/POrderChkTest.h"
 #include "tests/support/ExpectVbError.h"
 
@@ -24,7 +26,9 @@ class LateBoundCalls : public POrderChkTest {
     POrderChkTest::TearDown();
   }
 
-  Value call(std::string_view name, std::vector<Argument> args) {
+  Value call(const MemberInfo& member, std::vector<Argument> args) { return object_->invoke(member, args); }
+  // Bound by name as VB binds it: without regard to case.
+  Value callByName(std::string_view name, std::vector<Argument> args) {
     const MemberInfo* member = object_->classInfo().find(name);
     if (member == nullptr) throw std::logic_error("no member " + std::string(name));
     return object_->invoke(*member, args);
@@ -34,6 +38,7 @@ class LateBoundCalls : public POrderChkTest {
 };
 
 TEST_F(LateBoundCalls, EveryMemberOfTheInterfaceIsBoundInInterfaceOrder) {
+  std::vector<const MemberInfo*> bound;
   std::vector<std::string> names;
   std::vector<Value> results;
   for (const MemberInfo& member : object_->classInfo().members) {
@@ -57,13 +62,18 @@ TEST_F(LateBoundCalls, EveryMemberOfTheInterfaceIsBoundInInterfaceOrder) {
           break;
       }
     }
+    bound.push_back(&member);
     names.emplace_back(member.name);
     results.push_back(object_->invoke(member, args));
   }
 
-  EXPECT_EQ(names, (std::vector<std::string>{"QueryBOrderiBkQty", "JudgeExits", "UpdateRecord", "QueryAll",
-                                             "QueryProdNoView", "QueryMonthDate", "QueryProdNo", "AddRecord",
-                                             "QureyDatabase", "QuerySalerID"}));
+  using C = clsDataPOrderChk;
+  EXPECT_EQ(bound,
+            (std::vector<const MemberInfo*>{&memberOf<&C::QueryBOrderiBkQty>(), &memberOf<&C::JudgeExits>(),
+                                            &memberOf<&C::UpdateRecord>(), &memberOf<&C::QueryAll>(),
+                                            &memberOf<&C::QueryProdNoView>(), &memberOf<&C::QueryMonthDate>(),
+                                            &memberOf<&C::QueryProdNo>(), &memberOf<&C::AddRecord>(),
+                                            &memberOf<&C::QureyDatabase>(), &memberOf<&C::QuerySalerID>()}));
   const std::int16_t expected[] = {0, 0, 1, 0, 2, 0, 0, 0, 0, 0};
   ASSERT_EQ(results.size(), 10u);
   for (std::size_t i = 0; i < results.size(); ++i) EXPECT_EQ(results[i], Value(expected[i])) << names[i];
@@ -78,7 +88,8 @@ TEST_F(LateBoundCalls, AddRecordTakesVariantsAsAScriptPassesThem) {
   lines->Add(line(2805001, "2", "FG-2"));
 
   // The order number as a number and the width as text: converted as VB converts them.
-  Value result = call("AddRecord", {lines, Value(2805001.0), Value("C001"), Value("PO-1"), Value("4")});
+  Value result = call(memberOf<&clsDataPOrderChk::AddRecord>(),
+                      {lines, Value(2805001.0), Value("C001"), Value("PO-1"), Value("4")});
 
   EXPECT_EQ(result, Value(std::int16_t{1}));
   EXPECT_EQ(lineNumbers(2805001), "2008050001,2008050002");
@@ -94,7 +105,7 @@ TEST_F(LateBoundCalls, QueryAllFillsTheCallersEntity) {
       "'C001')");
   clsEntPOrderChk review;
 
-  Value result = call("queryall", {Entity(review), Value("2008050001")});
+  Value result = callByName("queryall", {Entity(review), Value("2008050001")});
 
   EXPECT_EQ(result, Value(std::int16_t{0}));
   EXPECT_EQ(review.F_ItemNo(), "FG-1");
@@ -112,8 +123,9 @@ TEST_F(LateBoundCalls, UpdateRecordAndQueryMonthDateWorkOnTheCallersObjects) {
   review.F_CSChecker("陈刚");
   auto months = std::make_shared<Collection>();
 
-  EXPECT_EQ(call("UpdateRecord", {Entity(review), Value("终审")}), Value(std::int16_t{1}));
-  EXPECT_EQ(call("QueryMonthDate", {months}), Value(std::int16_t{0}));
+  EXPECT_EQ(call(memberOf<&clsDataPOrderChk::UpdateRecord>(), {Entity(review), Value("终审")}),
+            Value(std::int16_t{1}));
+  EXPECT_EQ(call(memberOf<&clsDataPOrderChk::QueryMonthDate>(), {months}), Value(std::int16_t{0}));
 
   EXPECT_EQ(scalar("select concat_ws('|', F_Way, F_CSChecker) from t_porderchk where F_ProdNo=2008050001"),
             "外协|陈刚");
@@ -125,7 +137,8 @@ TEST_F(LateBoundCalls, UpdateRecordAndQueryMonthDateWorkOnTheCallersObjects) {
 TEST_F(LateBoundCalls, AnEntityOfAnotherClassIsATypeMismatch) {
   clsEntBOrderh header;
 
-  EXPECT_VB_ERROR(call("QueryProdNoView", {Entity(header)}), vberr::kTypeMismatch, "Type mismatch");
+  EXPECT_VB_ERROR(call(memberOf<&clsDataPOrderChk::QueryProdNoView>(), {Entity(header)}),
+                  vberr::kTypeMismatch, "Type mismatch");
 }
 
 }  // namespace
