@@ -8,37 +8,14 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/ScopedEnv.h"
 #include "tooling/Dsn.h"
 #include "vb/VbError.h"
 
 namespace tovrand::tooling {
 namespace {
 
-// Sets an environment variable for one scope.
-class ScopedEnv {
- public:
-  ScopedEnv(const char* name, const char* value) : name_(name) {
-    if (const char* old = std::getenv(name)) old_ = old;
-    if (value) {
-      ::setenv(name, value, 1);
-    } else {
-      ::unsetenv(name);
-    }
-  }
-  ~ScopedEnv() {
-    if (old_) {
-      ::setenv(name_, old_->c_str(), 1);
-    } else {
-      ::unsetenv(name_);
-    }
-  }
-  ScopedEnv(const ScopedEnv&) = delete;
-  ScopedEnv& operator=(const ScopedEnv&) = delete;
-
- private:
-  const char* name_;
-  std::optional<std::string> old_;
-};
+using test::ScopedEnv;
 
 TEST(DsnResolution, TheProgramsOwnSettingWinsOverTheEnvironment) {
   ScopedEnv env("TOVRAND_DSN", "mysql://env:p@envhost/envdb");
