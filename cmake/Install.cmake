@@ -13,21 +13,24 @@ option(TOVRAND_DEBIAN_LAYOUT
        "Install as the Debian packages want it: gzipped man page, a doc directory per package with copyright and changelog"
        OFF)
 
-# The static libraries the shared library is made of, whole. An engine joins it by its name here.
+# The static libraries the shared library is made of. An engine joins it by its name here.
 set(TOVRAND_SHARED_PARTS tovrand_core tovrand_odbc)
 
 foreach(part IN LISTS TOVRAND_SHARED_PARTS)
   set_target_properties(${part} PROPERTIES POSITION_INDEPENDENT_CODE ON)
 endforeach()
-list(JOIN TOVRAND_SHARED_PARTS "," tovrand_shared_parts_joined)
 
 # The command and the tests keep linking the static libraries; only users link this one. Its target
-# name differs from the command's; the file is libtovrand.so.
-add_library(tovrand_shared SHARED "${TOVRAND_GENERATED_INCLUDE_DIR}/tovrand/Version.cpp")
+# name differs from the command's; the file is libtovrand.so. Every object of the parts goes in, not
+# only those the library's own source reaches, since a user may call any member; linking the parts as
+# well brings what they link (ODBC), and adds nothing of theirs twice, every symbol of theirs being
+# defined already.
+set(tovrand_shared_objects)
+foreach(part IN LISTS TOVRAND_SHARED_PARTS)
+  list(APPEND tovrand_shared_objects $<TARGET_OBJECTS:${part}>)
+endforeach()
+add_library(tovrand_shared SHARED "${TOVRAND_GENERATED_INCLUDE_DIR}/tovrand/Version.cpp" ${tovrand_shared_objects})
 target_link_libraries(tovrand_shared PRIVATE ${TOVRAND_SHARED_PARTS})
-# Whole archives: a user may call any member, so every object of the parts goes in, not only those
-# the library's own source reaches. The override also covers the parts reached through one another.
-set_target_properties(tovrand_shared PROPERTIES LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,${tovrand_shared_parts_joined}")
 target_include_directories(tovrand_shared INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_compile_features(tovrand_shared INTERFACE cxx_std_20)
 set_target_properties(tovrand_shared PROPERTIES OUTPUT_NAME tovrand EXPORT_NAME tovrand VERSION ${TOVRAND_VERSION}
