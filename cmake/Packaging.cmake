@@ -35,27 +35,29 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${TOVRAND_RUNTIME_PACKAGE})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 # The ODBC driver is loaded by name at connection time, so dpkg-shlibdeps cannot see it.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "odbc-mariadb, unixodbc")
+# The dynamic loader's cache is refreshed by dpkg's trigger after the package's files are in place.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers")
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
     "Tovrand data-access component of an ERP's production module
- Tovrand reads and writes the production module's tables on a MySQL or
- MariaDB server: production orders derived from sales-order lines, their
- review by seven departments with the allocation of month-prefixed production
- numbers, and material requirements planning with stock reservation.
- .
- This package holds the shared library, over unixODBC and MariaDB
- Connector/ODBC.")
+Tovrand reads and writes the production module's tables on a MySQL or
+MariaDB server: production orders derived from sales-order lines, their
+review by seven departments with the allocation of month-prefixed production
+numbers, and material requirements planning with stock reservation.
+
+This package holds the shared library, over unixODBC and MariaDB
+Connector/ODBC.")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libtovrand-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_COMPONENT_DEV_DEPENDS runtime)
 set(CPACK_COMPONENT_DEV_DESCRIPTION
     "Tovrand data-access component (development files)
- Tovrand reads and writes the production module's tables on a MySQL or
- MariaDB server: production orders, their review and material requirements
- planning.
- .
- This package holds the C++20 headers, the CMake package (find_package(Tovrand),
- target Tovrand::tovrand), the pkg-config file and an example program.")
+Tovrand reads and writes the production module's tables on a MySQL or
+MariaDB server: production orders, their review and material requirements
+planning.
+
+This package holds the C++20 headers, the CMake package (target
+Tovrand::tovrand), the pkg-config file and an example program.")
 
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME tovrand)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION database)
@@ -64,15 +66,15 @@ set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "odbc-mariadb, unixodbc")
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SUGGESTS "mariadb-server, mariadb-client, openssl")
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION
     "command line of the Tovrand data-access component
- Tovrand reads and writes the production module's tables of a make-to-order
- ERP on a MySQL or MariaDB server: production orders, their review by seven
- departments with the allocation of production numbers, and material
- requirements planning with stock reservation.
- .
- The tovrand command calls the component's methods from JSON-lines scripts,
- prints the schema, runs a demonstration on the sample data and starts a
- private, throwaway MariaDB server. The schema, the sample data and the
- grants of the component's database account are in /usr/share/tovrand.")
+Tovrand reads and writes the production module's tables of a make-to-order
+ERP on a MySQL or MariaDB server: production orders, their review by seven
+departments with the allocation of production numbers, and material
+requirements planning with stock reservation.
+
+The tovrand command calls the component's methods from JSON-lines scripts,
+prints the schema, runs a demonstration on the sample data and starts a
+private, throwaway MariaDB server. The schema, the sample data and the
+grants of the component's database account are in /usr/share/tovrand.")
 
 if(TOVRAND_DEBIAN_LAYOUT)
   # The changelog's date is the build's, or SOURCE_DATE_EPOCH's for a reproducible build.
