@@ -11,7 +11,7 @@ FUZZ_SECONDS ?= 600
 CCACHE := $(shell command -v ccache >/dev/null 2>&1 && echo -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 
 .PHONY: all setup setup-com setup-bench setup-fuzz build build-asan fuzz-build demo test test-native test-asan \
-	test-fuzz fuzz reliability com test-com bench format clean
+	test-fuzz fuzz reliability com test-com bench format clean package
 
 all: build
 
@@ -90,4 +90,18 @@ format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-bench build-com
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-bench build-com $(PACKAGE_BUILD) dist
+
+# Debian packages into dist/: libtovrandN, libtovrand-dev and tovrand (cmake/Packaging.cmake), checked
+# by lintian, which fails the target on an error. The build is RelWithDebInfo like `build`, so that
+# ccache serves it; CPack strips the binaries.
+PACKAGE_BUILD ?= build-package
+package: setup
+	scripts/setup --package
+	cmake -S . -B $(PACKAGE_BUILD) $(CCACHE) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_INSTALL_PREFIX=/usr \
+	  -DTOVRAND_TESTS=OFF -DTOVRAND_DEBIAN_LAYOUT=ON
+	cmake --build $(PACKAGE_BUILD) -j$(JOBS)
+	rm -f dist/*.deb
+	cd $(PACKAGE_BUILD) && cpack -G DEB
+	lintian --fail-on error dist/*.deb
+	for deb in dist/*.deb; do echo "== $$deb"; dpkg-deb --field $$deb Package Version Depends; done

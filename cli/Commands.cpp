@@ -17,6 +17,7 @@
 #include "tooling/Dsn.h"
 #include "tooling/PrivateServer.h"
 #include "tooling/Process.h"
+#include "tovrand/Version.h"
 
 namespace tovrand::cli {
 
@@ -84,6 +85,7 @@ int runOn(std::istream& in, const RunOptions& options, const std::string& explic
 int commandMain(int argc, char** argv) {
   CLI::App app{"tovrand: the production module's data-access component, driven from the command line"};
   app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("tovrand ") + kVersion, "Print the version and exit");
 
   RunOptions runOptions;
   std::string runDsn, runFile;
@@ -122,6 +124,8 @@ int commandMain(int argc, char** argv) {
   } catch (const CLI::CallForHelp& e) {
     return app.exit(e);
   } catch (const CLI::CallForAllHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::CallForVersion& e) {
     return app.exit(e);
   } catch (const CLI::ParseError& e) {
     app.exit(e);

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "cli/Json.h"
 #include "tests/support/TestDatabase.h"
 #include "tooling/Process.h"
+#include "tovrand/Version.h"
 
 namespace tovrand::cli {
 namespace {
@@ -122,6 +124,14 @@ TEST(TovrandCommand, UsageErrorsAndUnreadableFilesExitWithTwo) {
   const ProcessResult help = runProcess({tovrandProgram(), "run", "--help"}, std::nullopt, true);
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.output.find("--server-date"), std::string::npos) << help.output;
+}
+
+// Packaging scripts and bug reports read the version from this one line; it needs no database.
+TEST(TovrandCommand, VersionPrintsOneLineAndExitsZero) {
+  const ProcessResult r = runProcess({tovrandProgram(), "--version"}, std::nullopt, true);
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.output, std::string("tovrand ") + TOVRAND_VERSION_STRING + "\n");
+  EXPECT_TRUE(std::regex_match(r.output, std::regex("tovrand [0-9]+\\.[0-9]+\\.[0-9]+\n"))) << r.output;
 }
 
 TEST(TovrandCommand, SchemaPrintsTheSchemaText) {
