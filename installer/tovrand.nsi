@@ -196,7 +196,8 @@ Section "-Prepare"
   ${EndIf}
 SectionEnd
 
-; Velmora first: Tovrand's type library refers to Velmora's.
+; Velmora first: Tovrand's objects get their connection from Velmora.clsDbConnection, so Velmora is
+; registered by the time Tovrand is.
 Section "Velmora.dll (entity library and connection)" SecVelmora
   !insertmacro InstallBoth Velmora.dll
 SectionEnd
