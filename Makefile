@@ -11,7 +11,7 @@ FUZZ_SECONDS ?= 600
 CCACHE := $(shell command -v ccache >/dev/null 2>&1 && echo -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 
 .PHONY: all setup setup-com setup-bench setup-fuzz build build-asan fuzz-build demo test test-native test-asan \
-	test-fuzz fuzz reliability com test-com bench format clean package
+	test-fuzz fuzz reliability com test-com installer bench format clean package
 
 all: build
 
@@ -80,6 +80,11 @@ com: setup-com
 
 test-com: setup-com
 	scripts/com-test
+
+# The Windows setup programs into dist/: Tovrand-<version>-setup.exe (64-bit Windows) and
+# Tovrand-<version>-setup-x86.exe (also 32-bit Windows), from the DLLs of make com.
+installer: setup-com
+	installer/build
 
 bench: setup-bench
 	cmake -S . -B build-bench $(CCACHE) -DCMAKE_BUILD_TYPE=Release -DTOVRAND_BENCH=ON -DTOVRAND_TESTS=ON
