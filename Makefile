@@ -97,11 +97,12 @@ format:
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-bench build-com $(PACKAGE_BUILD) dist
 
-# Debian packages into dist/: libtovrandN, libtovrand-dev and tovrand (cmake/Packaging.cmake), checked
-# by lintian, which fails the target on an error. The build is RelWithDebInfo like `build`, so that
-# ccache serves it; CPack strips the binaries.
+# Everything a site installs, into dist/: the Debian packages libtovrandN, libtovrand-dev and tovrand
+# (cmake/Packaging.cmake), checked by lintian, which fails the target on an error, and the Windows
+# installers (installer/build). The build is RelWithDebInfo like `build`, so that ccache serves it;
+# CPack strips the binaries.
 PACKAGE_BUILD ?= build-package
-package: setup
+package: setup setup-com
 	scripts/setup --package
 	cmake -S . -B $(PACKAGE_BUILD) $(CCACHE) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_INSTALL_PREFIX=/usr \
 	  -DTOVRAND_TESTS=OFF -DTOVRAND_DEBIAN_LAYOUT=ON
@@ -110,3 +111,4 @@ package: setup
 	cd $(PACKAGE_BUILD) && cpack -G DEB
 	lintian --fail-on error dist/*.deb
 	for deb in dist/*.deb; do echo "== $$deb"; dpkg-deb --field $$deb Package Version Depends; done
+	installer/build
