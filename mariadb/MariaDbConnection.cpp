@@ -74,6 +74,7 @@ struct MariaDbConnection::Impl {
   odbc::Mutex mutex;       // around reconnecting
   odbc::Mutex stateMutex;  // around lost, held, calls and lostCause
   odbc::Mutex keysMutex;
+  odbc::Mutex exchange;  // around each exchange with the server
   std::map<std::string, std::vector<std::string>> primaryKeys;
   mariadb::SessionCache cache;
 
@@ -211,6 +212,7 @@ struct MariaDbConnection::Impl {
 
   void run(std::string_view sql) {
     guarded([&] {
+      odbc::Guard lock(exchange);
       MYSQL* m = mysql.get();
       if (mysql_real_query(m, sql.data(), sql.size()) != 0)
         mariadb::raiseSessionError(m, "running a statement", secret);
@@ -225,6 +227,7 @@ struct MariaDbConnection::Impl {
   // column as the server's text.
   std::vector<Value> firstRow(std::string_view sql, bool asText = false) {
     return guarded([&]() -> std::vector<Value> {
+      odbc::Guard lock(exchange);
       MYSQL* m = mysql.get();
       if (mysql_real_query(m, sql.data(), sql.size()) != 0)
         mariadb::raiseSessionError(m, "running a query", secret);
@@ -322,6 +325,9 @@ bool MariaDbConnection::isLost() const {
 const std::string& MariaDbConnection::secret() const {
   return impl_->secret;
 }
+odbc::Mutex& MariaDbConnection::exchangeMutex() {
+  return impl_->exchange;
+}
 mariadb::SessionCache& MariaDbConnection::sessionCache() {
   return impl_->cache;
 }
@@ -345,6 +351,7 @@ std::vector<std::string> MariaDbConnection::primaryKey(const std::string& catalo
                     " WHERE Key_name = 'PRIMARY'";
   const std::string& secret = impl_->secret;
   return impl_->guarded([&] {
+    odbc::Guard exchange(impl_->exchange);
     if (mysql_real_query(m, sql.data(), sql.size()) != 0)
       mariadb::raiseSessionError(m, "reading the primary key", secret);
     Result result(mysql_store_result(m));

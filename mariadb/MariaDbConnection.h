@@ -9,6 +9,7 @@
 
 #include "frame/Recordset.h"
 #include "odbc/ConnectionSettings.h"
+#include "odbc/Lock.h"
 #include "vb/Value.h"
 #include "vb/VbError.h"
 
@@ -66,6 +67,10 @@ class MariaDbConnection final : public Connection {
   // The primary-key columns of a base table, in key order (cached per table and session).
   std::vector<std::string> primaryKey(const std::string& catalog, const std::string& table);
   mariadb::SessionCache& sessionCache();
+  // Held around each exchange with the server (a query and the storing of its rows, a prepare, an
+  // execute): the client library serves one caller at a time per session, where the ODBC driver takes
+  // a lock of its own. Take it after session(), never around it.
+  odbc::Mutex& exchangeMutex();
   // The text no message may show (the password).
   const std::string& secret() const;
 

@@ -154,6 +154,7 @@ void runBoundStatement(MariaDbConnection& connection, const std::string& sql,
   std::vector<Parameter> parameters;
   std::vector<MYSQL_BIND> binds;
   try {
+    odbc::Guard exchange(connection.exchangeMutex());
     if (!lent.statement) {
       lent.statement = Statement(mysql_stmt_init(session));
       if (!lent.statement) mariadb::raiseSessionError(session, "preparing a statement", secret);
@@ -270,6 +271,7 @@ struct MariaDbRecordset::Impl {
   // Sends the text as one query and stores its rows; false when it has no result.
   bool query() {
     MYSQL* m = connection->session();
+    odbc::Guard exchange(connection->exchangeMutex());
     if (mysql_real_query(m, source.data(), source.size()) != 0)
       mariadb::raiseSessionError(m, "running the query", secret());
     if (mysql_field_count(m) == 0) return false;
@@ -323,6 +325,7 @@ struct MariaDbRecordset::Impl {
   void learnWholeTable() {
     learnedThisOpen = true;
     MYSQL* m = connection->session();
+    odbc::Guard exchange(connection->exchangeMutex());
     Statement stmt(mysql_stmt_init(m));
     if (!stmt) mariadb::raiseSessionError(m, "preparing the query", secret());
     if (mysql_stmt_prepare(stmt.get(), source.data(), source.size()) != 0) {
