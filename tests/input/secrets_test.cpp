@@ -13,6 +13,7 @@
 #include "odbc/ConnectionSettings.h"
 #include "odbc/NativeHost.h"
 #include "odbc/OdbcConnection.h"
+#include "tests/support/SessionFaults.h"
 #include "tests/support/TestDatabase.h"
 #include "vb/VbError.h"
 
@@ -90,8 +91,7 @@ TEST_F(Secrets, APasswordChangedUnderARunningObjectIsNotShownWhenItsReconnectIsR
     return object->invoke(queryItem, args);
   };
   ASSERT_EQ(query(), Value(std::int16_t{1}));
-  std::string session = CStr(
-      *OdbcConnection::acquire(ConnectionSettings::parse(dsn()))->scalar("select connection_id()", true));
+  std::string session = sharedSessionId(ConnectionSettings::parse(dsn()));
   exec("ALTER USER '" + componentAccount().user + "'@'%' IDENTIFIED BY '" + std::string(kWrongPassword) +
        "'");
   exec("KILL CONNECTION " + session);
