@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "mariadb/MariaDbApi.h"
+#include "mariadb/OwnStatement.h"
 #include "mariadb/SessionCache.h"
 #include "odbc/Lock.h"
 #include "vb/Text.h"
@@ -303,6 +304,13 @@ std::optional<Value> MariaDbConnection::scalar(std::string_view sql, bool asText
   std::vector<Value> row = impl_->firstRow(sql, asText);
   if (row.empty()) return std::nullopt;
   return row[0];
+}
+OwnStatementResult MariaDbConnection::runOwnStatement(std::string_view sql) {
+  MYSQL* m = impl_->live();
+  return impl_->guarded([&] {
+    odbc::Guard lock(impl_->exchange);
+    return mariadb::runOwnStatement(m, sql);
+  });
 }
 st_mysql* MariaDbConnection::session() {
   return impl_->live();

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/OwnStatement.h"
 #include "frame/Recordset.h"
 #include "odbc/ConnectionSettings.h"
 #include "odbc/Lock.h"
@@ -54,6 +55,7 @@ class MariaDbConnection final : public Connection {
   // The first column of the first row of a query run outside the trace; nullopt when there is no row.
   // `asText`: the value as the server's text (String), else as a recordset reads it.
   std::optional<Value> scalar(std::string_view sql, bool asText = false);
+  OwnStatementResult runOwnStatement(std::string_view sql) override;
 
   // For the engine: the live session, opened anew first when the last one was lost (raises when the
   // server cannot be reached, or, during a held call that lost its session, the loss).
