@@ -14,6 +14,7 @@
 #include "odbc/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "porder/clsDataPOrder.h"
+#include "tests/support/SessionFaults.h"
 #include "tests/support/TestDatabase.h"
 #include "tooling/Process.h"
 #include "vb/VbError.h"
@@ -92,8 +93,7 @@ TEST_F(Secrets, APasswordChangedUnderARunningObjectIsNotShownWhenItsReconnectIsR
     return object->invoke(queryItem, args);
   };
   ASSERT_EQ(query(), Value(std::int16_t{1}));
-  std::string session = CStr(
-      *OdbcConnection::acquire(ConnectionSettings::parse(dsn()))->scalar("select connection_id()", true));
+  std::string session = sharedSessionId(ConnectionSettings::parse(dsn()));
   exec("ALTER USER '" + componentAccount().user + "'@'%' IDENTIFIED BY '" + std::string(kWrongPassword) +
        "'");
   exec("KILL CONNECTION " + session);
