@@ -14,7 +14,7 @@ option(TOVRAND_DEBIAN_LAYOUT
        OFF)
 
 # The static libraries the shared library is made of. An engine joins it by its name here.
-set(TOVRAND_SHARED_PARTS tovrand_core tovrand_odbc)
+set(TOVRAND_SHARED_PARTS tovrand_core tovrand_odbc tovrand_mariadb)
 
 foreach(part IN LISTS TOVRAND_SHARED_PARTS)
   set_target_properties(${part} PROPERTIES POSITION_INDEPENDENT_CODE ON)
