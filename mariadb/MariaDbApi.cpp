@@ -5,7 +5,7 @@
 #include <charconv>
 #include <cstdint>
 
-#include "odbc/OdbcApi.h"
+#include "engine/TemporalText.h"
 
 namespace tovrand::mariadb {
 
@@ -200,7 +200,7 @@ Value valueOf(const ColumnInfo& column, const char* data, unsigned long length) 
       return Value(static_cast<std::int32_t>(v));
     }
     case ColumnKind::Date:
-      return Value(odbc::parseTemporal(std::string_view(data, length)));
+      return Value(engine::parseTemporal(std::string_view(data, length)));
     case ColumnKind::Text:
     case ColumnKind::Binary:
       return Value(std::string(data, length));

@@ -5,10 +5,10 @@
 #include <map>
 #include <utility>
 
+#include "engine/Lock.h"
 #include "mariadb/MariaDbApi.h"
 #include "mariadb/OwnStatement.h"
 #include "mariadb/SessionCache.h"
-#include "odbc/Lock.h"
 #include "vb/Text.h"
 
 namespace tovrand {
@@ -19,7 +19,7 @@ using mariadb::SessionLost;
 namespace {
 
 struct Registry {
-  odbc::Mutex mutex;
+  engine::Mutex mutex;
   std::map<std::string, std::weak_ptr<MariaDbConnection>> connections;
 };
 
@@ -72,10 +72,10 @@ struct MariaDbConnection::Impl {
   // Sessions given up after they were lost. Results read from them may still be held by recordsets,
   // so they are closed only when this object goes.
   std::vector<Session> retired;
-  odbc::Mutex mutex;       // around reconnecting
-  odbc::Mutex stateMutex;  // around lost, held, calls and lostCause
-  odbc::Mutex keysMutex;
-  odbc::Mutex exchange;  // around each exchange with the server
+  engine::Mutex mutex;       // around reconnecting
+  engine::Mutex stateMutex;  // around lost, held, calls and lostCause
+  engine::Mutex keysMutex;
+  engine::Mutex exchange;  // around each exchange with the server
   std::map<std::string, std::vector<std::string>> primaryKeys;
   mariadb::SessionCache cache;
 
@@ -162,10 +162,10 @@ struct MariaDbConnection::Impl {
   // The session statements go to. After a lost session a new one is opened here, at the next
   // statement: nothing is re-sent, so a statement that may have run never runs twice.
   MYSQL* live() {
-    odbc::Guard lock(mutex);
+    engine::Guard lock(mutex);
     bool reconnect = false;
     {
-      odbc::Guard state(stateMutex);
+      engine::Guard state(stateMutex);
       // The rest of a held call must not reach a database its earlier statements may have left half
       // written: it fails as the statement that lost the session did.
       if (lost && held) throw SessionLost(lostCause);
@@ -175,7 +175,7 @@ struct MariaDbConnection::Impl {
       // The statements prepared on the old session go with it.
       cache.newSession();
       {
-        odbc::Guard keys(keysMutex);
+        engine::Guard keys(keysMutex);
         primaryKeys.clear();
       }
       if (mysql) retired.push_back(std::move(mysql));
@@ -187,14 +187,14 @@ struct MariaDbConnection::Impl {
         noteLost(e);
         throw;
       }
-      odbc::Guard state(stateMutex);
+      engine::Guard state(stateMutex);
       lost = false;
     }
     return mysql.get();
   }
 
   void noteLost(const VbError& cause) {
-    odbc::Guard state(stateMutex);
+    engine::Guard state(stateMutex);
     if (!held) lostCause = cause;
     lost = true;
     held = calls > 0;
@@ -213,7 +213,7 @@ struct MariaDbConnection::Impl {
 
   void run(std::string_view sql) {
     guarded([&] {
-      odbc::Guard lock(exchange);
+      engine::Guard lock(exchange);
       MYSQL* m = mysql.get();
       if (mysql_real_query(m, sql.data(), sql.size()) != 0)
         mariadb::raiseSessionError(m, "running a statement", secret);
@@ -228,7 +228,7 @@ struct MariaDbConnection::Impl {
   // column as the server's text.
   std::vector<Value> firstRow(std::string_view sql, bool asText = false) {
     return guarded([&]() -> std::vector<Value> {
-      odbc::Guard lock(exchange);
+      engine::Guard lock(exchange);
       MYSQL* m = mysql.get();
       if (mysql_real_query(m, sql.data(), sql.size()) != 0)
         mariadb::raiseSessionError(m, "running a query", secret);
@@ -265,7 +265,7 @@ std::shared_ptr<MariaDbConnection> MariaDbConnection::connect(const ConnectionSe
 std::shared_ptr<MariaDbConnection> MariaDbConnection::acquire(const ConnectionSettings& settings) {
   Registry& r = registry();
   std::string key = settings.connectionKey();
-  odbc::Guard lock(r.mutex);
+  engine::Guard lock(r.mutex);
   for (auto it = r.connections.begin(); it != r.connections.end();) {
     it = it->second.expired() ? r.connections.erase(it) : std::next(it);
   }
@@ -283,7 +283,7 @@ std::shared_ptr<MariaDbConnection> MariaDbConnection::openPrivate(const Connecti
 
 std::size_t MariaDbConnection::sharedCount() {
   Registry& r = registry();
-  odbc::Guard lock(r.mutex);
+  engine::Guard lock(r.mutex);
   std::size_t n = 0;
   for (auto& [key, weak] : r.connections) n += weak.expired() ? 0 : 1;
   return n;
@@ -308,7 +308,7 @@ std::optional<Value> MariaDbConnection::scalar(std::string_view sql, bool asText
 OwnStatementResult MariaDbConnection::runOwnStatement(std::string_view sql) {
   MYSQL* m = impl_->live();
   return impl_->guarded([&] {
-    odbc::Guard lock(impl_->exchange);
+    engine::Guard lock(impl_->exchange);
     return mariadb::runOwnStatement(m, sql);
   });
 }
@@ -319,21 +319,21 @@ void MariaDbConnection::markLost(const VbError& cause) {
   impl_->noteLost(cause);
 }
 void MariaDbConnection::beginCall() {
-  odbc::Guard state(impl_->stateMutex);
+  engine::Guard state(impl_->stateMutex);
   if (impl_->calls++ == 0) impl_->held = false;
 }
 void MariaDbConnection::endCall() {
-  odbc::Guard state(impl_->stateMutex);
+  engine::Guard state(impl_->stateMutex);
   if (impl_->calls > 0 && --impl_->calls == 0) impl_->held = false;
 }
 bool MariaDbConnection::isLost() const {
-  odbc::Guard state(impl_->stateMutex);
+  engine::Guard state(impl_->stateMutex);
   return impl_->lost;
 }
 const std::string& MariaDbConnection::secret() const {
   return impl_->secret;
 }
-odbc::Mutex& MariaDbConnection::exchangeMutex() {
+engine::Mutex& MariaDbConnection::exchangeMutex() {
   return impl_->exchange;
 }
 mariadb::SessionCache& MariaDbConnection::sessionCache() {
@@ -343,7 +343,7 @@ mariadb::SessionCache& MariaDbConnection::sessionCache() {
 std::vector<std::string> MariaDbConnection::primaryKey(const std::string& catalog, const std::string& table) {
   std::string key = toLowerAscii(catalog) + "." + toLowerAscii(table);
   {
-    odbc::Guard lock(impl_->keysMutex);
+    engine::Guard lock(impl_->keysMutex);
     if (auto it = impl_->primaryKeys.find(key); it != impl_->primaryKeys.end()) return it->second;
   }
   auto quoted = [](const std::string& identifier) {
@@ -359,7 +359,7 @@ std::vector<std::string> MariaDbConnection::primaryKey(const std::string& catalo
                     " WHERE Key_name = 'PRIMARY'";
   const std::string& secret = impl_->secret;
   return impl_->guarded([&] {
-    odbc::Guard exchange(impl_->exchange);
+    engine::Guard exchange(impl_->exchange);
     if (mysql_real_query(m, sql.data(), sql.size()) != 0)
       mariadb::raiseSessionError(m, "reading the primary key", secret);
     Result result(mysql_store_result(m));
@@ -375,7 +375,7 @@ std::vector<std::string> MariaDbConnection::primaryKey(const std::string& catalo
     std::sort(columns.begin(), columns.end());
     std::vector<std::string> names;
     for (auto& [sequence, name] : columns) names.push_back(name);
-    odbc::Guard lock(impl_->keysMutex);
+    engine::Guard lock(impl_->keysMutex);
     impl_->primaryKeys[key] = names;
     return names;
   });

@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/ConnectionSettings.h"
+#include "engine/Lock.h"
 #include "frame/OwnStatement.h"
 #include "frame/Recordset.h"
-#include "odbc/ConnectionSettings.h"
-#include "odbc/Lock.h"
 #include "vb/Value.h"
 #include "vb/VbError.h"
 
@@ -72,7 +72,7 @@ class MariaDbConnection final : public Connection {
   // Held around each exchange with the server (a query and the storing of its rows, a prepare, an
   // execute): the client library serves one caller at a time per session, where the ODBC driver takes
   // a lock of its own. Take it after session(), never around it.
-  odbc::Mutex& exchangeMutex();
+  engine::Mutex& exchangeMutex();
   // The text no message may show (the password).
   const std::string& secret() const;
 

@@ -2,9 +2,9 @@
 
 #include <memory>
 
+#include "engine/ConnectionSettings.h"
 #include "frame/DbConnection.h"
 #include "mariadb/MariaDbConnection.h"
-#include "odbc/ConnectionSettings.h"
 
 namespace tovrand {
 

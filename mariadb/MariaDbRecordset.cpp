@@ -2,11 +2,11 @@
 
 #include <vector>
 
+#include "engine/SqlShape.h"
+#include "engine/StatementTrace.h"
 #include "mariadb/MariaDbApi.h"
 #include "mariadb/MariaDbConnection.h"
 #include "mariadb/SessionCache.h"
-#include "odbc/SqlShape.h"
-#include "odbc/StatementTrace.h"
 #include "vb/Text.h"
 #include "vb/VbError.h"
 
@@ -154,7 +154,7 @@ void runBoundStatement(MariaDbConnection& connection, const std::string& sql,
   std::vector<Parameter> parameters;
   std::vector<MYSQL_BIND> binds;
   try {
-    odbc::Guard exchange(connection.exchangeMutex());
+    engine::Guard exchange(connection.exchangeMutex());
     if (!lent.statement) {
       lent.statement = Statement(mysql_stmt_init(session));
       if (!lent.statement) mariadb::raiseSessionError(session, "preparing a statement", secret);
@@ -271,7 +271,7 @@ struct MariaDbRecordset::Impl {
   // Sends the text as one query and stores its rows; false when it has no result.
   bool query() {
     MYSQL* m = connection->session();
-    odbc::Guard exchange(connection->exchangeMutex());
+    engine::Guard exchange(connection->exchangeMutex());
     if (mysql_real_query(m, source.data(), source.size()) != 0)
       mariadb::raiseSessionError(m, "running the query", secret());
     if (mysql_field_count(m) == 0) return false;
@@ -285,7 +285,7 @@ struct MariaDbRecordset::Impl {
   std::shared_ptr<const Columns> resultColumns() {
     const MYSQL_FIELD* fields = mysql_fetch_fields(result.get());
     unsigned int count = mysql_num_fields(result.get());
-    std::string shape = odbc::resultShapeOf(source);
+    std::string shape = engine::resultShapeOf(source);
     if (auto known = cache().resultColumns(shape); known && mariadb::describesAs(fields, count, *known)) {
       return known;
     }
@@ -325,7 +325,7 @@ struct MariaDbRecordset::Impl {
   void learnWholeTable() {
     learnedThisOpen = true;
     MYSQL* m = connection->session();
-    odbc::Guard exchange(connection->exchangeMutex());
+    engine::Guard exchange(connection->exchangeMutex());
     Statement stmt(mysql_stmt_init(m));
     if (!stmt) mariadb::raiseSessionError(m, "preparing the query", secret());
     if (mysql_stmt_prepare(stmt.get(), source.data(), source.size()) != 0) {
@@ -566,7 +566,7 @@ void MariaDbRecordset::Open(const std::string& source, const std::shared_ptr<Con
   traceStatement(source, StatementOrigin::Method);
   try {
     m.guarded([&] {
-      if (m.updatable) m.wholeTable = odbc::wholeTableOf(source);
+      if (m.updatable) m.wholeTable = engine::wholeTableOf(source);
       if (m.wholeTable) {
         m.openWholeTable();
       } else {

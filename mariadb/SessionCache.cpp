@@ -3,31 +3,31 @@
 namespace tovrand::mariadb {
 
 std::shared_ptr<const Columns> SessionCache::tableColumns(const std::string& table) {
-  odbc::Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   auto it = tables_.find(table);
   return it == tables_.end() ? nullptr : it->second;
 }
 
 void SessionCache::rememberTableColumns(const std::string& table, std::shared_ptr<const Columns> columns) {
-  odbc::Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   if (tables_.size() >= kMaxShapes) tables_.clear();
   tables_[table] = std::move(columns);
 }
 
 std::shared_ptr<const Columns> SessionCache::resultColumns(const std::string& shape) {
-  odbc::Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   auto it = results_.find(shape);
   return it == results_.end() ? nullptr : it->second;
 }
 
 void SessionCache::rememberResultColumns(const std::string& shape, std::shared_ptr<const Columns> columns) {
-  odbc::Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   if (results_.size() >= kMaxShapes) results_.clear();
   results_[shape] = std::move(columns);
 }
 
 LentStatement SessionCache::takeStatement(const std::string& sql) {
-  odbc::Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   LentStatement lent;
   lent.session = session_;
   auto it = statements_.find(sql);
@@ -42,7 +42,7 @@ LentStatement SessionCache::takeStatement(const std::string& sql) {
 void SessionCache::giveBack(const std::string& sql, LentStatement lent) {
   if (!lent.statement) return;
   Statement dropped;  // closed outside the lock
-  odbc::Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   if (lent.session != session_) return;
   if (idleStatements_ >= kMaxStatements) {
     // Full: make room by dropping another text's statement.
@@ -62,7 +62,7 @@ void SessionCache::giveBack(const std::string& sql, LentStatement lent) {
 
 void SessionCache::newSession() {
   std::unordered_map<std::string, std::vector<Statement>> gone;
-  odbc::Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   ++session_;
   gone.swap(statements_);
   idleStatements_ = 0;
@@ -72,7 +72,7 @@ void SessionCache::newSession() {
 
 void SessionCache::dropStatements() {
   std::unordered_map<std::string, std::vector<Statement>> gone;
-  odbc::Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   gone.swap(statements_);
   idleStatements_ = 0;
 }

@@ -10,8 +10,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "engine/Lock.h"
 #include "mariadb/MariaDbApi.h"
-#include "odbc/Lock.h"
 
 namespace tovrand::mariadb {
 
@@ -32,7 +32,7 @@ class SessionCache {
   std::shared_ptr<const Columns> tableColumns(const std::string& table);
   void rememberTableColumns(const std::string& table, std::shared_ptr<const Columns> columns);
 
-  // The columns of a result of the shape (see odbc::resultShapeOf); null when not known yet.
+  // The columns of a result of the shape (see engine::resultShapeOf); null when not known yet.
   std::shared_ptr<const Columns> resultColumns(const std::string& shape);
   void rememberResultColumns(const std::string& shape, std::shared_ptr<const Columns> columns);
 
@@ -54,7 +54,7 @@ class SessionCache {
   static constexpr std::size_t kMaxShapes = 1024;
   static constexpr std::size_t kMaxStatements = 64;
 
-  mutable odbc::Mutex mutex_;
+  mutable engine::Mutex mutex_;
   std::uint64_t session_ = 1;
   std::unordered_map<std::string, std::shared_ptr<const Columns>> tables_;
   std::unordered_map<std::string, std::shared_ptr<const Columns>> results_;

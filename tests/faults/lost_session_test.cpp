@@ -5,8 +5,8 @@
 #include <string>
 
 #include "frame/Messages.h"
-#include "odbc/ConnectionSettings.h"
-#include "odbc/NativeHost.h"
+#include "engine/ConnectionSettings.h"
+#include "host/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "porder/clsDataPOrder.h"
 #include "tests/support/SessionFaults.h"

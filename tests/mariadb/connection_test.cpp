@@ -5,7 +5,7 @@
 
 #include <chrono>
 
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 #include "tests/mariadb/MariaDbTestSupport.h"
 #include "vb/Value.h"
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <cstdio>
 
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 #include "porder/clsDataPOrder.h"
 #include "tests/mariadb/MariaDbTestSupport.h"
 

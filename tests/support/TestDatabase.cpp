@@ -10,7 +10,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 #include "tooling/SqlClient.h"
 #include "vb/Value.h"
 #include "vb/VbError.h"

@@ -1,4 +1,4 @@
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 
 #include <algorithm>
 #include <cctype>

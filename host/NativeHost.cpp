@@ -1,4 +1,4 @@
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 
 #include "odbc/OdbcDbConnection.h"
 #include "odbc/OdbcRecordset.h"
