@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 #include "vb/Value.h"
 
 namespace tovrand::bench {

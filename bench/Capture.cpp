@@ -3,7 +3,7 @@
 #include <deque>
 
 #include "frame/Trace.h"
-#include "odbc/StatementTrace.h"
+#include "engine/StatementTrace.h"
 #include "vb/Text.h"
 
 namespace tovrand::bench {

@@ -2,7 +2,7 @@
 #include "bench/Baseline.h"
 #include "frame/DbConnection.h"
 #include "odbc/BoundStatement.h"
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 
 namespace tovrand::bench {

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
 #include "tooling/PrivateServer.h"
 

@@ -14,7 +14,7 @@ option(TOVRAND_DEBIAN_LAYOUT
        OFF)
 
 # The static libraries the shared library is made of. An engine joins it by its name here.
-set(TOVRAND_SHARED_PARTS tovrand_core tovrand_odbc)
+set(TOVRAND_SHARED_PARTS tovrand_core tovrand_engine tovrand_odbc tovrand_mariadb tovrand_host)
 
 foreach(part IN LISTS TOVRAND_SHARED_PARTS)
   set_target_properties(${part} PROPERTIES POSITION_INDEPENDENT_CODE ON)
@@ -23,8 +23,8 @@ endforeach()
 # The command and the tests keep linking the static libraries; only users link this one. Its target
 # name differs from the command's; the file is libtovrand.so. Every object of the parts goes in, not
 # only those the library's own source reaches, since a user may call any member; linking the parts as
-# well brings what they link (ODBC), and adds nothing of theirs twice, every symbol of theirs being
-# defined already.
+# well brings what they link (ODBC, Connector/C), and adds nothing of theirs twice, every symbol of
+# theirs being defined already.
 set(tovrand_shared_objects)
 foreach(part IN LISTS TOVRAND_SHARED_PARTS)
   list(APPEND tovrand_shared_objects $<TARGET_OBJECTS:${part}>)
@@ -59,7 +59,7 @@ install(TARGETS tovrand RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT co
 # <prefix>/include and no folder named frame/ or vb/ lands on anybody's include path. The rewrite
 # happens at install time, from the headers as they are then.
 set(TOVRAND_HEADER_FOLDERS vb entities frame porder porderchk pmrph pmrpi component)
-set(TOVRAND_ENGINE_HEADERS odbc/NativeHost.h odbc/ConnectionSettings.h)
+set(TOVRAND_ENGINE_HEADERS host/NativeHost.h engine/ConnectionSettings.h)
 install(CODE "
   set(TOVRAND_SOURCE_DIR \"${PROJECT_SOURCE_DIR}\")
   set(TOVRAND_STAGING_DIR \"${PROJECT_BINARY_DIR}/installed-headers\")
@@ -71,8 +71,9 @@ install(CODE "
 install(FILES "${TOVRAND_GENERATED_INCLUDE_DIR}/tovrand/Version.h" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tovrand
         COMPONENT dev)
 
-# The CMake package: find_package(Tovrand CONFIG) gives Tovrand::tovrand. ODBC is linked into the
-# shared library and appears in no installed header, so a user's build needs nothing else found.
+# The CMake package: find_package(Tovrand CONFIG) gives Tovrand::tovrand. ODBC and Connector/C are
+# linked into the shared library and appear in no installed header, so a user's build needs nothing
+# else found.
 set(TOVRAND_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Tovrand)
 install(EXPORT TovrandTargets NAMESPACE Tovrand:: DESTINATION ${TOVRAND_CMAKE_DIR} COMPONENT dev)
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/TovrandConfig.cmake.in"

@@ -8,7 +8,7 @@ endforeach()
 list(APPEND headers ${TOVRAND_ENGINE_HEADERS})
 list(SORT headers)
 
-string(REPLACE ";" "|" folders "${TOVRAND_HEADER_FOLDERS};odbc")
+string(REPLACE ";" "|" folders "${TOVRAND_HEADER_FOLDERS};engine;host")
 foreach(header IN LISTS headers)
   file(READ "${TOVRAND_SOURCE_DIR}/${header}" text)
   string(REGEX REPLACE "#include \"((${folders})/[^\"]+)\"" "#include <tovrand/\\1>" text "${text}")

@@ -45,7 +45,7 @@ review by seven departments with the allocation of month-prefixed production
 numbers, and material requirements planning with stock reservation.
 
 This package holds the shared library, over unixODBC and MariaDB
-Connector/ODBC.")
+Connector/ODBC, or over MariaDB Connector/C (engine=mariadb).")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libtovrand-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)

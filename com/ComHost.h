@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "frame/Host.h"
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 
 namespace tovrand::com {
 

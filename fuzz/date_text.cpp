@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "cli/Json.h"
+#include "engine/TemporalText.h"
 #include "fuzz/FuzzCheck.h"
-#include "odbc/OdbcApi.h"
 #include "vb/RegionalSettings.h"
 #include "vb/Value.h"
 
@@ -32,7 +32,7 @@ bool holdable(VbDate date) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
 
-  const VbDate fromDriver = odbc::parseTemporal(text);
+  const VbDate fromDriver = engine::parseTemporal(text);
   require(holdable(fromDriver), "parseTemporal gives a date a VB Date can hold");
 
   if (const auto date = parseDateText(text)) {
@@ -41,17 +41,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string written = cli::formatDate(*date);
     const auto again = cli::parseDate(written);
     require(again && *again == *date, "parseDate reads back what formatDate writes");
-    require(odbc::parseTemporal(written) == *date, "parseTemporal reads a DATETIME text as written");
+    require(engine::parseTemporal(written) == *date, "parseTemporal reads a DATETIME text as written");
     require(parseDateText(CStr(*date)) == *date, "parseDateText reads back what CStr writes");
   }
 
   if (const auto date = cli::parseDate(text)) {
     require(holdable(*date), "parseDate gives a date a VB Date can hold");
     const std::string written = cli::formatDate(*date);
-    require(odbc::parseTemporal(written) == *date, "parseTemporal reads a DATETIME text as written");
+    require(engine::parseTemporal(written) == *date, "parseTemporal reads a DATETIME text as written");
     require(parseDateText(written) == *date, "parseDateText reads the command line's date text");
     // The date part alone, as the driver gives a DATE column.
-    require(odbc::parseTemporal(std::string_view(written).substr(0, 10)) == dateOnly(*date),
+    require(engine::parseTemporal(std::string_view(written).substr(0, 10)) == dateOnly(*date),
             "parseTemporal reads a DATE text as its midnight");
   }
   return 0;

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "fuzz/FuzzCheck.h"
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 #include "vb/RegionalSettings.h"
 
 using namespace tovrand;

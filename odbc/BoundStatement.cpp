@@ -1,9 +1,9 @@
 #include "odbc/BoundStatement.h"
 
+#include "engine/StatementTrace.h"
 #include "odbc/OdbcApi.h"
 #include "odbc/OdbcConnection.h"
 #include "odbc/SessionCache.h"
-#include "odbc/StatementTrace.h"
 #include "vb/Text.h"
 
 namespace tovrand {

@@ -135,8 +135,5 @@ enum class TextForm { Wide, Utf8 };
 // hands the zero datetime 0000-00-00 00:00:00 to SQL_C_TYPE_TIMESTAMP as NULL.
 Value readColumn(SQLHSTMT stmt, SQLUSMALLINT number, const ColumnInfo& column, std::string_view secret,
                  TextForm form = TextForm::Wide);
-// "YYYY-MM-DD", "YYYY-MM-DD HH:MM:SS[.fraction]" or "[-]HHH:MM:SS" as a VB date; a date with a zero
-// year, month or day is the VB zero date (plus its time).
-VbDate parseTemporal(std::string_view text);
 
 }  // namespace tovrand::odbc

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <map>
 
-#include "odbc/Lock.h"
+#include "engine/Lock.h"
 #include "odbc/OdbcApi.h"
 #include "odbc/OwnStatement.h"
 #include "odbc/SessionCache.h"
@@ -19,9 +19,9 @@ namespace {
 
 // The process's ODBC environment, shared by every connection so that it outlives them all.
 std::shared_ptr<Handle> environment() {
-  static odbc::Mutex mutex;
+  static engine::Mutex mutex;
   static std::weak_ptr<Handle> current;
-  odbc::Guard lock(mutex);
+  engine::Guard lock(mutex);
   if (auto env = current.lock()) return env;
   SQLHANDLE h = SQL_NULL_HANDLE;
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &h))) {
@@ -34,7 +34,7 @@ std::shared_ptr<Handle> environment() {
 }
 
 struct Registry {
-  odbc::Mutex mutex;
+  engine::Mutex mutex;
   std::map<std::string, std::weak_ptr<OdbcConnection>> connections;
 };
 
@@ -71,9 +71,9 @@ struct OdbcConnection::Impl {
   // Connections given up after their session was lost. Recordsets may still hold statements
   // allocated on them, so they are disconnected and freed only when this object goes.
   std::vector<Handle> retired;
-  odbc::Mutex mutex;       // around reconnecting
-  odbc::Mutex stateMutex;  // around lost, held, calls and lostCause
-  odbc::Mutex keysMutex;
+  engine::Mutex mutex;       // around reconnecting
+  engine::Mutex stateMutex;  // around lost, held, calls and lostCause
+  engine::Mutex keysMutex;
   std::map<std::string, std::vector<std::string>> primaryKeys;
   odbc::SessionCache cache;
   bool utf8 = false;
@@ -135,10 +135,10 @@ struct OdbcConnection::Impl {
   // The connection statements are allocated on. After a lost session a new one is opened here, at the
   // next statement: nothing is re-sent, so a statement that may have run never runs twice.
   SQLHDBC live() {
-    odbc::Guard lock(mutex);
+    engine::Guard lock(mutex);
     bool reconnect = false;
     {
-      odbc::Guard state(stateMutex);
+      engine::Guard state(stateMutex);
       // The rest of a held call must not reach a database its earlier statements may have left half
       // written: it fails as the statement that lost the session did.
       if (lost && held) throw odbc::ConnectionLost(lostCause);
@@ -148,7 +148,7 @@ struct OdbcConnection::Impl {
       // The statements prepared on the old session go with it.
       cache.newSession();
       {
-        odbc::Guard keys(keysMutex);
+        engine::Guard keys(keysMutex);
         primaryKeys.clear();
       }
       if (connected) retired.push_back(std::move(dbc));
@@ -160,14 +160,14 @@ struct OdbcConnection::Impl {
         noteLost(e);
         throw;
       }
-      odbc::Guard state(stateMutex);
+      engine::Guard state(stateMutex);
       lost = false;
     }
     return dbc.get();
   }
 
   void noteLost(const VbError& cause) {
-    odbc::Guard state(stateMutex);
+    engine::Guard state(stateMutex);
     if (!held) lostCause = cause;
     lost = true;
     held = calls > 0;
@@ -256,7 +256,7 @@ std::shared_ptr<OdbcConnection> OdbcConnection::connect(const ConnectionSettings
 std::shared_ptr<OdbcConnection> OdbcConnection::acquire(const ConnectionSettings& settings) {
   Registry& r = registry();
   std::string key = settings.connectionKey();
-  odbc::Guard lock(r.mutex);
+  engine::Guard lock(r.mutex);
   for (auto it = r.connections.begin(); it != r.connections.end();) {
     it = it->second.expired() ? r.connections.erase(it) : std::next(it);
   }
@@ -297,11 +297,11 @@ void OdbcConnection::markLost(const VbError& cause) {
   impl_->noteLost(cause);
 }
 void OdbcConnection::beginCall() {
-  odbc::Guard state(impl_->stateMutex);
+  engine::Guard state(impl_->stateMutex);
   if (impl_->calls++ == 0) impl_->held = false;
 }
 void OdbcConnection::endCall() {
-  odbc::Guard state(impl_->stateMutex);
+  engine::Guard state(impl_->stateMutex);
   if (impl_->calls > 0 && --impl_->calls == 0) impl_->held = false;
 }
 const std::string& OdbcConnection::secret() const {
@@ -317,7 +317,7 @@ bool OdbcConnection::textAsUtf8() const {
 std::vector<std::string> OdbcConnection::primaryKey(const std::string& catalog, const std::string& table) {
   std::string key = toLowerAscii(catalog) + "." + toLowerAscii(table);
   {
-    odbc::Guard lock(impl_->keysMutex);
+    engine::Guard lock(impl_->keysMutex);
     if (auto it = impl_->primaryKeys.find(key); it != impl_->primaryKeys.end()) return it->second;
   }
   const std::string& secret = impl_->secret;
@@ -347,7 +347,7 @@ std::vector<std::string> OdbcConnection::primaryKey(const std::string& catalog, 
     std::sort(columns.begin(), columns.end());
     std::vector<std::string> names;
     for (auto& [sequence, name] : columns) names.push_back(name);
-    odbc::Guard lock(impl_->keysMutex);
+    engine::Guard lock(impl_->keysMutex);
     impl_->primaryKeys[key] = names;
     return names;
   });

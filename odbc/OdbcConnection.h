@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/ConnectionSettings.h"
 #include "frame/Recordset.h"
-#include "odbc/ConnectionSettings.h"
 #include "vb/Value.h"
 #include "vb/VbError.h"
 

@@ -2,8 +2,8 @@
 
 #include <memory>
 
+#include "engine/ConnectionSettings.h"
 #include "frame/DbConnection.h"
-#include "odbc/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
 
 namespace tovrand {

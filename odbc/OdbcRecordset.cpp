@@ -3,13 +3,13 @@
 #include <cstring>
 #include <vector>
 
+#include "engine/SqlShape.h"
+#include "engine/StatementTrace.h"
 #include "odbc/BoundStatement.h"
 #include "odbc/OdbcApi.h"
 #include "odbc/OdbcConnection.h"
 #include "odbc/ResultRows.h"
 #include "odbc/SessionCache.h"
-#include "odbc/SqlShape.h"
-#include "odbc/StatementTrace.h"
 #include "vb/Text.h"
 #include "vb/VbError.h"
 
@@ -182,7 +182,7 @@ struct OdbcRecordset::Impl {
   // The columns of the executed statement's result: taken from an earlier result of the same shape when
   // the driver describes the same types (asking for types costs little, labels much), else described.
   std::shared_ptr<const Columns> resultColumns(SQLSMALLINT count) {
-    std::string shape = odbc::resultShapeOf(source);
+    std::string shape = engine::resultShapeOf(source);
     if (auto known = cache().resultColumns(shape);
         known && odbc::describesAs(handle(), count, *known, secret())) {
       return known;
@@ -484,7 +484,7 @@ void OdbcRecordset::Open(const std::string& source, const std::shared_ptr<Connec
   traceStatement(source, StatementOrigin::Method);
   try {
     m.guarded([&] {
-      if (m.updatable) m.wholeTable = odbc::wholeTableOf(source);
+      if (m.updatable) m.wholeTable = engine::wholeTableOf(source);
       if (m.wholeTable) {
         m.openWholeTable();
       } else {

@@ -24,7 +24,7 @@ namespace tovrand {
 // and text, reported to the trace as the engine's statements; the columns are listed in the order they
 // were first assigned.
 // Rows are read a block at a time into bound buffers, and a result's column labels are asked for once
-// per session and shape of text (see odbc/ResultRows.h, odbc/SqlShape.h).
+// per session and shape of text (see odbc/ResultRows.h, engine/SqlShape.h).
 // A statement without a result set leaves the recordset closed.
 class OdbcRecordset final : public Recordset {
  public:

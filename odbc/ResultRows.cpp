@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string>
 
+#include "engine/TemporalText.h"
+
 namespace tovrand::odbc {
 
 namespace {
@@ -199,7 +201,7 @@ Value ResultRows::value(std::size_t column) const {
       return Value(static_cast<std::int32_t>(v));
     }
     case ColumnKind::Date:
-      return Value(parseTemporal(std::string_view(data, static_cast<std::size_t>(length))));
+      return Value(engine::parseTemporal(std::string_view(data, static_cast<std::size_t>(length))));
     case ColumnKind::Text:
     case ColumnKind::Binary:
       return Value(std::string(data, static_cast<std::size_t>(length)));

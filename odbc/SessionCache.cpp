@@ -3,31 +3,31 @@
 namespace tovrand::odbc {
 
 std::shared_ptr<const Columns> SessionCache::tableColumns(const std::string& table) {
-  Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   auto it = tables_.find(table);
   return it == tables_.end() ? nullptr : it->second;
 }
 
 void SessionCache::rememberTableColumns(const std::string& table, std::shared_ptr<const Columns> columns) {
-  Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   if (tables_.size() >= kMaxShapes) tables_.clear();
   tables_[table] = std::move(columns);
 }
 
 std::shared_ptr<const Columns> SessionCache::resultColumns(const std::string& shape) {
-  Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   auto it = results_.find(shape);
   return it == results_.end() ? nullptr : it->second;
 }
 
 void SessionCache::rememberResultColumns(const std::string& shape, std::shared_ptr<const Columns> columns) {
-  Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   if (results_.size() >= kMaxShapes) results_.clear();
   results_[shape] = std::move(columns);
 }
 
 LentStatement SessionCache::takeStatement(const std::string& sql) {
-  Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   LentStatement lent;
   lent.session = session_;
   auto it = statements_.find(sql);
@@ -43,7 +43,7 @@ void SessionCache::giveBack(const std::string& sql, LentStatement statement) {
   if (!statement.handle) return;
   Handle dropped;  // freed outside the lock
   {
-    Guard lock(mutex_);
+    engine::Guard lock(mutex_);
     if (statement.session != session_) return;
     if (idleStatements_ >= kMaxStatements) {
       // Full: make room by dropping another text's statements.
@@ -63,14 +63,14 @@ void SessionCache::giveBack(const std::string& sql, LentStatement statement) {
 }
 
 std::uint64_t SessionCache::session() const {
-  Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   return session_;
 }
 
 void SessionCache::newSession() {
   std::unordered_map<std::string, std::vector<Handle>> gone;
   {
-    Guard lock(mutex_);
+    engine::Guard lock(mutex_);
     ++session_;
     gone.swap(statements_);
     idleStatements_ = 0;
@@ -81,7 +81,7 @@ void SessionCache::newSession() {
 
 void SessionCache::dropStatements() {
   std::unordered_map<std::string, std::vector<Handle>> gone;
-  Guard lock(mutex_);
+  engine::Guard lock(mutex_);
   gone.swap(statements_);
   idleStatements_ = 0;
 }

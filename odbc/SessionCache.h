@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "odbc/Lock.h"
+#include "engine/Lock.h"
 #include "odbc/OdbcApi.h"
 
 namespace tovrand::odbc {
@@ -34,7 +34,7 @@ class SessionCache {
   std::shared_ptr<const Columns> tableColumns(const std::string& table);
   void rememberTableColumns(const std::string& table, std::shared_ptr<const Columns> columns);
 
-  // The columns (labels and types) of a result of the shape (see resultShapeOf); null when not known
+  // The columns (labels and types) of a result of the shape (see engine::resultShapeOf); null when not known
   // yet.
   std::shared_ptr<const Columns> resultColumns(const std::string& shape);
   void rememberResultColumns(const std::string& shape, std::shared_ptr<const Columns> columns);
@@ -58,7 +58,7 @@ class SessionCache {
   static constexpr std::size_t kMaxShapes = 1024;
   static constexpr std::size_t kMaxStatements = 64;
 
-  mutable Mutex mutex_;
+  mutable engine::Mutex mutex_;
   std::uint64_t session_ = 1;
   std::unordered_map<std::string, std::shared_ptr<const Columns>> tables_;
   std::unordered_map<std::string, std::shared_ptr<const Columns>> results_;

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 
 namespace tovrand::tooling {
 

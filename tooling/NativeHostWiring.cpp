@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "odbc/ConnectionSettings.h"
-#include "odbc/NativeHost.h"
+#include "engine/ConnectionSettings.h"
+#include "host/NativeHost.h"
 
 namespace tovrand::tooling {
 

@@ -10,7 +10,7 @@
 #include "Velmora_h.h"
 #include "com/ComHost.h"
 #include "com/velmora/VelmoraObjects.h"
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
 
 namespace tovrand::velmora {

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include <tovrand/Version.h>
-#include <tovrand/odbc/NativeHost.h>
+#include <tovrand/host/NativeHost.h>
 #include <tovrand/porder/clsDataPOrder.h>
 
 namespace {

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "ClientCheck.h"
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
 
 namespace client {

@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "odbc/StatementTrace.h"
+#include "engine/StatementTrace.h"
 
 namespace tovrand::test {
 

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 #include "porder/clsDataPOrder.h"
 #include "tests/support/TestDatabase.h"
 #include "tooling/Dsn.h"

@@ -5,10 +5,11 @@
 #include <string>
 
 #include "frame/Messages.h"
-#include "odbc/ConnectionSettings.h"
-#include "odbc/NativeHost.h"
+#include "engine/ConnectionSettings.h"
+#include "host/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "porder/clsDataPOrder.h"
+#include "tests/support/SessionFaults.h"
 #include "tests/support/TestDatabase.h"
 
 namespace tovrand::test {
@@ -23,10 +24,7 @@ class LostSession : public DatabaseTest {
         "(2026110002, 'C002', NULL)");
   }
   // The session id of the connection every object on this test's database shares.
-  std::string sessionId() {
-    auto shared = OdbcConnection::acquire(ConnectionSettings::parse(dsn()));
-    return CStr(*shared->scalar("select connection_id()", true));
-  }
+  std::string sessionId() { return sharedSessionId(ConnectionSettings::parse(dsn())); }
 };
 
 TEST_F(LostSession, AKilledSessionFailsTheNextCallWithAMessageAndTheCallAfterItReconnects) {

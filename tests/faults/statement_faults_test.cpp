@@ -6,7 +6,7 @@
 
 #include "entities/Collection.h"
 #include "entities/Entities.h"
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 #include "pmrph/clsDataPMrph.h"
 #include "pmrpi/clsDataPMrpi.h"
 #include "porder/clsDataPOrder.h"

@@ -12,7 +12,7 @@
 #include "entities/Collection.h"
 #include "entities/Entities.h"
 #include "frame/Messages.h"
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "odbc/OdbcRecordset.h"
 #include "porder/clsDataPOrder.h"

@@ -7,7 +7,7 @@
 
 #include "component/Component.h"
 #include "frame/Invoke.h"
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
 #include "pmrph/clsDataPMrph.h"
 #include "porderchk/clsDataPOrderChk.h"

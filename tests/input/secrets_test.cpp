@@ -10,10 +10,11 @@
 #include "component/Component.h"
 #include "entities/Entities.h"
 #include "frame/Invoke.h"
-#include "odbc/ConnectionSettings.h"
-#include "odbc/NativeHost.h"
+#include "engine/ConnectionSettings.h"
+#include "host/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "porder/clsDataPOrder.h"
+#include "tests/support/SessionFaults.h"
 #include "tests/support/TestDatabase.h"
 #include "tooling/Process.h"
 #include "vb/VbError.h"
@@ -92,8 +93,7 @@ TEST_F(Secrets, APasswordChangedUnderARunningObjectIsNotShownWhenItsReconnectIsR
     return object->invoke(queryItem, args);
   };
   ASSERT_EQ(query(), Value(std::int16_t{1}));
-  std::string session = CStr(
-      *OdbcConnection::acquire(ConnectionSettings::parse(dsn()))->scalar("select connection_id()", true));
+  std::string session = sharedSessionId(ConnectionSettings::parse(dsn()));
   exec("ALTER USER '" + componentAccount().user + "'@'%' IDENTIFIED BY '" + std::string(kWrongPassword) +
        "'");
   exec("KILL CONNECTION " + session);

@@ -7,8 +7,8 @@
 
 #include "component/Component.h"
 #include "frame/Invoke.h"
-#include "odbc/ConnectionSettings.h"
-#include "odbc/NativeHost.h"
+#include "engine/ConnectionSettings.h"
+#include "host/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "porder/clsDataPOrder.h"
 #include "tests/support/ExpectVbError.h"

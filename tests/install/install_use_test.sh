@@ -34,7 +34,7 @@ libdir=$(dirname "$library")
 for f in "$libdir/cmake/Tovrand/TovrandConfig.cmake" "$libdir/cmake/Tovrand/TovrandConfigVersion.cmake" \
   "$libdir/cmake/Tovrand/TovrandTargets.cmake" "$libdir/pkgconfig/tovrand.pc" "$prefix/bin/tovrand" \
   "$prefix/include/tovrand/Version.h" "$prefix/include/tovrand/porder/clsDataPOrder.h" \
-  "$prefix/include/tovrand/odbc/NativeHost.h" "$prefix/include/tovrand/component/Component.h" \
+  "$prefix/include/tovrand/host/NativeHost.h" "$prefix/include/tovrand/component/Component.h" \
   "$prefix/share/tovrand/schema/tovrand.sql" "$prefix/share/tovrand/schema/sample.sql" \
   "$prefix/share/tovrand/schema/grants.sql" "$prefix/share/doc/tovrand/README.md" \
   "$prefix/share/man/man1/tovrand.1"; do
@@ -43,11 +43,13 @@ done
 [ -x "$prefix/share/tovrand/sandbox" ] || fail "not installed as a program: share/tovrand/sandbox"
 soname=$(objdump -p "$library" | awk '$1 == "SONAME" {print $2}')
 [[ $soname =~ ^libtovrand\.so\.[0-9]+$ ]] || fail "SONAME of libtovrand.so: '$soname'"
-for dir in tooling cli tests; do
+for dir in tooling cli tests odbc mariadb; do
   [ ! -e "$prefix/include/tovrand/$dir" ] || fail "include/tovrand/$dir is installed; it is not for users"
 done
-[ "$(ls "$prefix/include/tovrand/odbc")" = "$(printf 'ConnectionSettings.h\nNativeHost.h')" ] ||
-  fail "odbc headers beyond NativeHost.h and ConnectionSettings.h: $(ls "$prefix/include/tovrand/odbc")"
+[ "$(ls "$prefix/include/tovrand/host")" = "NativeHost.h" ] ||
+  fail "host headers beyond NativeHost.h: $(ls "$prefix/include/tovrand/host")"
+[ "$(ls "$prefix/include/tovrand/engine")" = "ConnectionSettings.h" ] ||
+  fail "engine headers beyond ConnectionSettings.h: $(ls "$prefix/include/tovrand/engine")"
 
 # Installed headers name one another as <tovrand/...>: a quoted repository-root include would need the
 # source tree's layout on the include path.
@@ -79,8 +81,8 @@ clsDataPOrder.QueryItem(2026090001) -> 1
 clsDataPOrder.QueryItem(1999010001) -> 0"
 
 check_example() {
-  local how=$1 program=$2 got
-  got=$(TOVRAND_DSN=$dsn "$program" 2>&1)
+  local how=$1 program=$2 setting=${3:-$dsn} got
+  got=$(TOVRAND_DSN=$setting "$program" 2>&1)
   local rc=$?
   [ $rc -eq 0 ] || fail "$how: the example exited with $rc"
   [ "$got" = "$expected" ] || fail "$how: the example printed:
@@ -94,6 +96,8 @@ if cmake -S "$root/examples/cpp" -B "$work/example-cmake" -DCMAKE_PREFIX_PATH="$
   -DCMAKE_CXX_COMPILER="$cxx" >"$work/example-cmake.log" 2>&1 &&
   cmake --build "$work/example-cmake" >>"$work/example-cmake.log" 2>&1; then
   check_example "CMake" "$work/example-cmake/example"
+  # The library carries both engines: the same answers on the one the setting names.
+  check_example "CMake, engine=mariadb" "$work/example-cmake/example" "$dsn$([[ $dsn == *\?* ]] && echo '&' || echo '?')engine=mariadb"
 else
   fail "building examples/cpp with CMake:"
   tail -n 30 "$work/example-cmake.log"

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 #include "tests/odbc/OdbcTestSupport.h"
 #include "tests/support/ScopedEnv.h"
 

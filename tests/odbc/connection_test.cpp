@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 #include "odbc/OdbcDbConnection.h"
 #include "odbc/OdbcRecordset.h"
 #include "tests/odbc/OdbcTestSupport.h"

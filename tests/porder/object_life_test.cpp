@@ -1,7 +1,7 @@
 // The life of a clsDataPOrder object: its connection holder, opened at creation, closed at release.
 #include <gtest/gtest.h>
 
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 #include "tests/porder/POrderTest.h"
 
 namespace tovrand::test {

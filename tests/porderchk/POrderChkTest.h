@@ -7,7 +7,7 @@
 
 #include "entities/Entities.h"
 #include "frame/Messages.h"
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 #include "porderchk/clsDataPOrderChk.h"
 #include "tests/support/Printers.h"
 #include "tests/support/TestDatabase.h"

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "mariadb/MariaDbConnection.h"
 #include "vb/Value.h"
 
 namespace tovrand::test {
@@ -15,6 +16,9 @@ void StatementHook::statement(std::string_view sql, StatementOrigin origin) {
 }
 
 std::string sharedSessionId(const ConnectionSettings& settings) {
+  if (settings.engine == "mariadb") {
+    return CStr(*MariaDbConnection::acquire(settings)->scalar("select connection_id()", true));
+  }
   auto shared = OdbcConnection::acquire(settings);
   return CStr(*shared->scalar("select connection_id()", true));
 }

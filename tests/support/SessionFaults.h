@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "frame/Trace.h"
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
 
 namespace tovrand::test {

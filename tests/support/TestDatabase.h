@@ -9,7 +9,7 @@
 #include "frame/Host.h"
 #include "frame/MessageSink.h"
 #include "frame/Trace.h"
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
 #include "tooling/PrivateServer.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace tovrand::odbc {
+namespace tovrand::engine {
 
 // What the engine can tell about a statement from its text alone, so that it need not ask the server
 // what it already knows. Nothing here changes the text that is sent.
@@ -23,4 +23,4 @@ std::optional<std::string> wholeTableOf(std::string_view sql);
 // result's types).
 std::string resultShapeOf(std::string_view sql);
 
-}  // namespace tovrand::odbc
+}  // namespace tovrand::engine

@@ -45,6 +45,9 @@ struct ConnectionSettings {
   bool serializeAllocation = false;  // serialize_allocation=1
   bool sslRequired = false;          // ssl=required, or ssl_ca given
   std::string sslCa;                 // ssl_ca=: the certificate authority the server is checked against
+  // engine=: the recordset engine sessions run on, "odbc" (the default) or "mariadb" (Connector/C,
+  // native Linux hosts only).
+  std::string engine = "odbc";
 
   // Parses one setting; `origin` names where it came from in error texts ("TOVRAND_DSN", a file).
   static ConnectionSettings parse(std::string_view dsn, std::string_view origin = "the connection setting");

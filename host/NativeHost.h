@@ -3,14 +3,15 @@
 #include <memory>
 #include <string>
 
+#include "engine/ConnectionSettings.h"
 #include "frame/Host.h"
-#include "odbc/ConnectionSettings.h"
 
 namespace tovrand {
 
-// The host of native programs (the command line, the tests, the benchmarks): connection holders and
-// recordsets from the ODBC engine, entities in this process, messages to the given sink. When the
-// settings carry short_date or long_time, the process's regional settings take them.
+// The host of native programs (the command line, the tests, the benchmarks, a library user): connection
+// holders and recordsets from the engine the settings name (engine=odbc, the default, or mariadb),
+// entities in this process, messages to the given sink. When the settings carry short_date or long_time,
+// the process's regional settings take them.
 class NativeHost final : public Host {
  public:
   NativeHost(ConnectionSettings settings, std::shared_ptr<MessageSink> messages);

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "odbc/SqlShape.h"
+#include "engine/SqlShape.h"
 
-namespace tovrand::odbc {
+namespace tovrand::engine {
 namespace {
 
 TEST(WholeTableTest, EverySpellingOfAWholeTableSelectNamesTheTableInLowerCase) {
@@ -67,4 +67,4 @@ TEST(ResultShapeTest, QuotesAndCommentsDoNotEndAConditionEarly) {
 }
 
 }  // namespace
-}  // namespace tovrand::odbc
+}  // namespace tovrand::engine

@@ -1,4 +1,4 @@
-#include "odbc/ConnectionSettings.h"
+#include "engine/ConnectionSettings.h"
 
 #include <algorithm>
 #include <cctype>
@@ -82,6 +82,12 @@ bool applyOption(ConnectionSettings& s, std::string_view key, const std::string&
            "'");
     }
     s.serializeAllocation = value == "1";
+  } else if (k == "engine") {
+    std::string name = toLowerAscii(value);
+    if (name != "odbc" && name != "mariadb") {
+      fail("the option engine of " + std::string(where) + " must be odbc or mariadb, not '" + value + "'");
+    }
+    s.engine = name;
   } else if (k == "short_date") {
     s.shortDate = value;
   } else if (k == "long_time") {
@@ -306,7 +312,7 @@ ConnectionSettings ConnectionSettings::parse(std::string_view dsnText, std::stri
     if (!applyOption(s, key, urlDecode(pair.substr(eq + 1)), origin)) {
       fail(std::string(origin) + " has an unknown option '" + key +
            "' (known: server_date, short_date, long_time, serialize_allocation, socket, driver, timeout, "
-           "connect_timeout, ssl, ssl_ca)");
+           "connect_timeout, ssl, ssl_ca, engine)");
     }
   }
   return s;
@@ -375,7 +381,8 @@ std::string ConnectionSettings::odbcConnectionString() const {
 
 std::string ConnectionSettings::connectionKey() const {
   // The named lock is taken on the session, so sessions with and without it are kept apart.
-  return odbcConnectionString() + "\n" + serverDate + (serializeAllocation ? "\nserialize_allocation" : "");
+  return odbcConnectionString() + "\n" + serverDate + (serializeAllocation ? "\nserialize_allocation" : "") +
+         (engine == "odbc" ? "" : "\nengine=" + engine);
 }
 
 std::string ConnectionSettings::redacted() const {

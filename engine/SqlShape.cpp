@@ -1,11 +1,11 @@
-#include "odbc/SqlShape.h"
+#include "engine/SqlShape.h"
 
 #include <array>
 #include <vector>
 
 #include "vb/Text.h"
 
-namespace tovrand::odbc {
+namespace tovrand::engine {
 
 namespace {
 
@@ -210,4 +210,4 @@ std::string resultShapeOf(std::string_view sql) {
   return key;
 }
 
-}  // namespace tovrand::odbc
+}  // namespace tovrand::engine

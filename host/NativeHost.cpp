@@ -1,7 +1,12 @@
-#include "odbc/NativeHost.h"
+#include "host/NativeHost.h"
 
 #include "odbc/OdbcDbConnection.h"
 #include "odbc/OdbcRecordset.h"
+#include "vb/VbError.h"
+#ifndef _WIN32
+#include "mariadb/MariaDbDbConnection.h"
+#include "mariadb/MariaDbRecordset.h"
+#endif
 #include "vb/RegionalSettings.h"
 
 namespace tovrand {
@@ -21,10 +26,21 @@ NativeHost::NativeHost(const std::string& dsn, std::shared_ptr<MessageSink> mess
     : NativeHost(ConnectionSettings::parse(dsn), std::move(messages)) {}
 
 std::shared_ptr<DbConnection> NativeHost::newDbConnection() {
+  if (settings_.engine == "mariadb") {
+#ifdef _WIN32
+    throw VbError(vberr::kProviderError,
+                  "the mariadb engine is not part of the Windows build: use engine=odbc");
+#else
+    return std::make_shared<MariaDbDbConnection>(settings_);
+#endif
+  }
   return std::make_shared<OdbcDbConnection>(settings_);
 }
 
 std::shared_ptr<Recordset> NativeHost::newRecordset() {
+#ifndef _WIN32
+  if (settings_.engine == "mariadb") return std::make_shared<MariaDbRecordset>();
+#endif
   return std::make_shared<OdbcRecordset>();
 }
 

@@ -7,7 +7,7 @@
 #include <mutex>
 #endif
 
-namespace tovrand::odbc {
+namespace tovrand::engine {
 
 class Mutex {
  public:
@@ -48,4 +48,4 @@ class Guard {
   Mutex& m_;
 };
 
-}  // namespace tovrand::odbc
+}  // namespace tovrand::engine

@@ -1,22 +1,22 @@
-#include "odbc/StatementTrace.h"
+#include "engine/StatementTrace.h"
 
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-#include "odbc/Lock.h"
+#include "engine/Lock.h"
 
 namespace tovrand {
 
 namespace {
 
 void appendToFile(const char* path, std::string_view sql, StatementOrigin origin) {
-  static odbc::Mutex mutex;
+  static engine::Mutex mutex;
   std::string line = origin == StatementOrigin::Engine ? "-- engine: " : "";
   for (char c : sql) line += (c == '\n' || c == '\r') ? ' ' : c;
   line += '\n';
-  odbc::Guard lock(mutex);
+  engine::Guard lock(mutex);
   if (std::FILE* f = std::fopen(path, "a")) {
     std::fwrite(line.data(), 1, line.size(), f);
     std::fclose(f);

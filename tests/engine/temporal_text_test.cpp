@@ -1,12 +1,12 @@
 // The engine's reading of the driver's DATE, DATETIME and TIME texts, on texts no server sends too.
 #include <gtest/gtest.h>
 
-#include "odbc/OdbcApi.h"
+#include "engine/TemporalText.h"
 
 namespace tovrand::test {
 namespace {
 
-using odbc::parseTemporal;
+using engine::parseTemporal;
 
 constexpr double kSecondsPerDay = 86400.0;
 
