@@ -50,11 +50,12 @@ demo: setup
 
 test: test-native test-asan test-fuzz test-com
 
+# Each test program starts its own private server (or cluster), so the programs run side by side.
 test-native: build
-	cd $(BUILD) && ctest --output-on-failure
+	cd $(BUILD) && ctest -j$(JOBS) --output-on-failure
 
 test-asan: build-asan
-	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=0 ctest --output-on-failure
+	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=0 ctest -j$(JOBS) --output-on-failure
 
 # The libFuzzer targets of fuzz/ (clang, ASan, UBSan) in a build of their own.
 fuzz-build: setup-fuzz
