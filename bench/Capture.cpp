@@ -2,8 +2,8 @@
 
 #include <deque>
 
-#include "frame/Trace.h"
 #include "engine/StatementTrace.h"
+#include "frame/Trace.h"
 #include "vb/Text.h"
 
 namespace tovrand::bench {

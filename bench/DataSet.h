@@ -5,8 +5,8 @@
 
 #include "bench/Baseline.h"
 #include "bench/Server.h"
-#include "frame/MessageSink.h"
 #include "engine/ConnectionSettings.h"
+#include "frame/MessageSink.h"
 #include "host/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "pmrph/clsDataPMrph.h"

@@ -1,8 +1,8 @@
 // The engine alone, for what it adds to bare ODBC apart from the members' own work.
 #include "bench/Baseline.h"
 #include "frame/DbConnection.h"
-#include "odbc/BoundStatement.h"
 #include "host/NativeHost.h"
+#include "odbc/BoundStatement.h"
 #include "odbc/OdbcConnection.h"
 
 namespace tovrand::bench {

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "frame/Host.h"
 #include "engine/ConnectionSettings.h"
+#include "frame/Host.h"
 
 namespace tovrand::com {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-#include "fuzz/FuzzCheck.h"
 #include "engine/ConnectionSettings.h"
+#include "fuzz/FuzzCheck.h"
 #include "vb/RegionalSettings.h"
 
 using namespace tovrand;

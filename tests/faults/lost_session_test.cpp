@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "frame/Messages.h"
 #include "engine/ConnectionSettings.h"
+#include "frame/Messages.h"
 #include "host/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "porder/clsDataPOrder.h"

@@ -10,10 +10,10 @@
 #include <memory>
 #include <string>
 
+#include "engine/ConnectionSettings.h"
 #include "entities/Collection.h"
 #include "entities/Entities.h"
 #include "frame/Messages.h"
-#include "engine/ConnectionSettings.h"
 #include "host/NativeHost.h"
 #include "pmrph/clsDataPMrph.h"
 #include "pmrpi/clsDataPMrpi.h"

@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "component/Component.h"
-#include "frame/Invoke.h"
 #include "engine/ConnectionSettings.h"
+#include "frame/Invoke.h"
 #include "odbc/OdbcConnection.h"
 #include "pmrph/clsDataPMrph.h"
 #include "porderchk/clsDataPOrderChk.h"

@@ -8,9 +8,9 @@
 #include <sstream>
 
 #include "component/Component.h"
+#include "engine/ConnectionSettings.h"
 #include "entities/Entities.h"
 #include "frame/Invoke.h"
-#include "engine/ConnectionSettings.h"
 #include "host/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "porder/clsDataPOrder.h"

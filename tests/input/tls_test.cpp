@@ -6,8 +6,8 @@
 #include <filesystem>
 
 #include "component/Component.h"
-#include "frame/Invoke.h"
 #include "engine/ConnectionSettings.h"
+#include "frame/Invoke.h"
 #include "host/NativeHost.h"
 #include "odbc/OdbcConnection.h"
 #include "porder/clsDataPOrder.h"

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/Trace.h"
 #include "engine/ConnectionSettings.h"
+#include "frame/Trace.h"
 #include "odbc/OdbcConnection.h"
 
 namespace tovrand::test {

@@ -6,10 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include "engine/ConnectionSettings.h"
 #include "frame/Host.h"
 #include "frame/MessageSink.h"
 #include "frame/Trace.h"
-#include "engine/ConnectionSettings.h"
 #include "odbc/OdbcConnection.h"
 #include "tooling/PrivateServer.h"
 
