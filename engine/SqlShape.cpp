@@ -210,4 +210,13 @@ std::string resultShapeOf(std::string_view sql) {
   return key;
 }
 
+std::string quoted(std::string_view identifier) {
+  std::string out = "`";
+  for (char c : identifier) {
+    out += c;
+    if (c == '`') out += '`';
+  }
+  return out + "`";
+}
+
 }  // namespace tovrand::engine

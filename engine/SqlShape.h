@@ -23,4 +23,7 @@ std::optional<std::string> wholeTableOf(std::string_view sql);
 // result's types).
 std::string resultShapeOf(std::string_view sql);
 
+// A name as a MariaDB identifier in the texts the engines write: in backquotes, a backquote doubled.
+std::string quoted(std::string_view identifier);
+
 }  // namespace tovrand::engine

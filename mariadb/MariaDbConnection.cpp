@@ -6,6 +6,10 @@
 #include <utility>
 
 #include "engine/Lock.h"
+#include "engine/SessionSetup.h"
+#include "engine/SessionState.h"
+#include "engine/SharedSessions.h"
+#include "engine/SqlShape.h"
 #include "mariadb/MariaDbApi.h"
 #include "mariadb/OwnStatement.h"
 #include "mariadb/SessionCache.h"
@@ -18,25 +22,9 @@ using mariadb::SessionLost;
 
 namespace {
 
-struct Registry {
-  engine::Mutex mutex;
-  std::map<std::string, std::weak_ptr<MariaDbConnection>> connections;
-};
-
-Registry& registry() {
-  static Registry r;
-  return r;
-}
-
-// The text messages must not show: the password, unless it is also a name the messages show anyway
-// (blanking it out of "Table 'tovrand.t' ..." would hide the names and protect nothing).
-std::string passwordToHide(const ConnectionSettings& s) {
-  const std::string& p = s.password;
-  if (p.empty()) return {};
-  for (const std::string* shown : {&s.user, &s.database, &s.host, &s.socket}) {
-    if (shown->find(p) != std::string::npos) return {};
-  }
-  return p;
+engine::SharedSessions<MariaDbConnection>& shared() {
+  static engine::SharedSessions<MariaDbConnection> sessions;
+  return sessions;
 }
 
 // Where a session may be opened, in the order they are tried.
@@ -59,24 +47,14 @@ using Session = std::unique_ptr<MYSQL, SessionCloser>;
 
 }  // namespace
 
-struct MariaDbConnection::Impl {
-  ConnectionSettings settings;
-  std::string secret;
+struct MariaDbConnection::Impl : Parts {
+  explicit Impl(Parts parts) : Parts(parts) {}
+
   Session mysql;
-  // The session was lost; the next statement opens a new one, unless the loss was met during a held
-  // call, which then fails every later statement with `lostCause` until it ends.
-  bool lost = false;
-  bool held = false;
-  int calls = 0;  // held calls running
-  VbError lostCause{vberr::kProviderError, ""};
   // Sessions given up after they were lost. Results read from them may still be held by recordsets,
   // so they are closed only when this object goes.
   std::vector<Session> retired;
-  engine::Mutex mutex;       // around reconnecting
-  engine::Mutex stateMutex;  // around lost, held, calls and lostCause
-  engine::Mutex keysMutex;
   engine::Mutex exchange;  // around each exchange with the server
-  std::map<std::string, std::vector<std::string>> primaryKeys;
   mariadb::SessionCache cache;
 
   ~Impl() {
@@ -84,10 +62,7 @@ struct MariaDbConnection::Impl {
     cache.dropStatements();
   }
 
-  [[noreturn]] void refuse(const std::string& reason) const {
-    throw VbError(vberr::kProviderError,
-                  "cannot connect to the database " + settings.redacted() + ": " + reason);
-  }
+  [[noreturn]] void refuse(const std::string& reason) const { engine::refuseSession(settings, reason); }
 
   // A client handle with the session's options set, not yet connected.
   Session prepared() const {
@@ -136,16 +111,7 @@ struct MariaDbConnection::Impl {
     }
     if (!mysql) refuse(failure);
 
-    // The component writes table names in mixed case (t_porder, T_POrder); a case-sensitive server
-    // would silently address tables that do not exist.
-    std::vector<Value> session = firstRow("select @@lower_case_table_names, @@character_set_results");
-    if (!session.empty() && !session[0].isNull() && CStr(session[0]) == "0") {
-      throw VbError(
-          vberr::kProviderError,
-          "the server runs with lower_case_table_names=0; Tovrand needs lower_case_table_names=1 (table "
-          "names are written in mixed case, as on a Windows server): start the server with "
-          "--lower-case-table-names=1");
-    }
+    engine::checkSession(firstRow(engine::kSessionQuery));
     // A server without TLS leaves the session in plain text: such a session is refused before anything
     // is sent on it.
     if (settings.sslRequired) {
@@ -154,61 +120,32 @@ struct MariaDbConnection::Impl {
         refuse("the server offers no TLS, and the setting asks for an encrypted session");
       }
     }
-    if (!settings.serverDate.empty()) {
-      run("SET timestamp = UNIX_TIMESTAMP('" + settings.serverDate + " 12:00:00')");
-    }
+    if (auto pin = engine::clockPinning(settings)) run(*pin);
   }
 
   // The session statements go to. After a lost session a new one is opened here, at the next
   // statement: nothing is re-sent, so a statement that may have run never runs twice.
   MYSQL* live() {
-    engine::Guard lock(mutex);
-    bool reconnect = false;
-    {
-      engine::Guard state(stateMutex);
-      // The rest of a held call must not reach a database its earlier statements may have left half
-      // written: it fails as the statement that lost the session did.
-      if (lost && held) throw SessionLost(lostCause);
-      reconnect = lost;
-    }
-    if (reconnect) {
-      // The statements prepared on the old session go with it.
-      cache.newSession();
-      {
-        engine::Guard keys(keysMutex);
-        primaryKeys.clear();
-      }
-      if (mysql) retired.push_back(std::move(mysql));
-      try {
-        open();
-      } catch (const VbError& e) {
-        // A server still out of reach: a held call does not wait for it once more per statement.
-        if (mysql) retired.push_back(std::move(mysql));
-        noteLost(e);
-        throw;
-      }
-      engine::Guard state(stateMutex);
-      lost = false;
-    }
-    return mysql.get();
-  }
-
-  void noteLost(const VbError& cause) {
-    engine::Guard state(stateMutex);
-    if (!held) lostCause = cause;
-    lost = true;
-    held = calls > 0;
+    return state.liveSession<SessionLost>(
+        [&] {
+          // The statements prepared on the old session go with it.
+          cache.newSession();
+          primaryKeys.clear();
+          if (mysql) retired.push_back(std::move(mysql));
+          try {
+            open();
+          } catch (const VbError&) {
+            if (mysql) retired.push_back(std::move(mysql));
+            throw;
+          }
+        },
+        [&] { return mysql.get(); });
   }
 
   // Runs `f`, noting a lost session on the way out.
   template <class F>
   auto guarded(F&& f) -> decltype(f()) {
-    try {
-      return f();
-    } catch (const SessionLost& e) {
-      noteLost(e);
-      throw;
-    }
+    return state.guarded<SessionLost>(std::forward<F>(f));
   }
 
   void run(std::string_view sql) {
@@ -251,30 +188,18 @@ struct MariaDbConnection::Impl {
   }
 };
 
-MariaDbConnection::MariaDbConnection(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+MariaDbConnection::MariaDbConnection(const ConnectionSettings& settings)
+    : SessionConnection(settings), impl_(std::make_unique<Impl>(parts())) {}
 MariaDbConnection::~MariaDbConnection() = default;
 
 std::shared_ptr<MariaDbConnection> MariaDbConnection::connect(const ConnectionSettings& settings) {
-  auto impl = std::make_unique<Impl>();
-  impl->settings = settings;
-  impl->secret = passwordToHide(settings);
-  impl->open();
-  return std::shared_ptr<MariaDbConnection>(new MariaDbConnection(std::move(impl)));
+  std::shared_ptr<MariaDbConnection> connection(new MariaDbConnection(settings));
+  connection->impl_->open();
+  return connection;
 }
 
 std::shared_ptr<MariaDbConnection> MariaDbConnection::acquire(const ConnectionSettings& settings) {
-  Registry& r = registry();
-  std::string key = settings.connectionKey();
-  engine::Guard lock(r.mutex);
-  for (auto it = r.connections.begin(); it != r.connections.end();) {
-    it = it->second.expired() ? r.connections.erase(it) : std::next(it);
-  }
-  if (auto it = r.connections.find(key); it != r.connections.end()) {
-    if (auto existing = it->second.lock()) return existing;
-  }
-  auto created = connect(settings);
-  r.connections[key] = created;
-  return created;
+  return shared().acquire(settings.connectionKey(), [&] { return connect(settings); });
 }
 
 std::shared_ptr<MariaDbConnection> MariaDbConnection::openPrivate(const ConnectionSettings& settings) {
@@ -282,19 +207,9 @@ std::shared_ptr<MariaDbConnection> MariaDbConnection::openPrivate(const Connecti
 }
 
 std::size_t MariaDbConnection::sharedCount() {
-  Registry& r = registry();
-  engine::Guard lock(r.mutex);
-  std::size_t n = 0;
-  for (auto& [key, weak] : r.connections) n += weak.expired() ? 0 : 1;
-  return n;
+  return shared().count();
 }
 
-const ConnectionSettings& MariaDbConnection::settings() const {
-  return impl_->settings;
-}
-bool MariaDbConnection::serializesAllocation() const {
-  return impl_->settings.serializeAllocation;
-}
 void MariaDbConnection::execute(std::string_view sql) {
   impl_->live();
   impl_->run(sql);
@@ -315,24 +230,6 @@ OwnStatementResult MariaDbConnection::runOwnStatement(std::string_view sql) {
 st_mysql* MariaDbConnection::session() {
   return impl_->live();
 }
-void MariaDbConnection::markLost(const VbError& cause) {
-  impl_->noteLost(cause);
-}
-void MariaDbConnection::beginCall() {
-  engine::Guard state(impl_->stateMutex);
-  if (impl_->calls++ == 0) impl_->held = false;
-}
-void MariaDbConnection::endCall() {
-  engine::Guard state(impl_->stateMutex);
-  if (impl_->calls > 0 && --impl_->calls == 0) impl_->held = false;
-}
-bool MariaDbConnection::isLost() const {
-  engine::Guard state(impl_->stateMutex);
-  return impl_->lost;
-}
-const std::string& MariaDbConnection::secret() const {
-  return impl_->secret;
-}
 engine::Mutex& MariaDbConnection::exchangeMutex() {
   return impl_->exchange;
 }
@@ -341,23 +238,12 @@ mariadb::SessionCache& MariaDbConnection::sessionCache() {
 }
 
 std::vector<std::string> MariaDbConnection::primaryKey(const std::string& catalog, const std::string& table) {
-  std::string key = toLowerAscii(catalog) + "." + toLowerAscii(table);
-  {
-    engine::Guard lock(impl_->keysMutex);
-    if (auto it = impl_->primaryKeys.find(key); it != impl_->primaryKeys.end()) return it->second;
-  }
-  auto quoted = [](const std::string& identifier) {
-    std::string out = "`";
-    for (char c : identifier) {
-      out += c;
-      if (c == '`') out += '`';
-    }
-    return out + "`";
-  };
+  std::string key = engine::PrimaryKeys::keyOf(catalog, table);
+  if (std::vector<std::string> known; primaryKeys_.find(key, known)) return known;
   MYSQL* m = impl_->live();
-  std::string sql = "SHOW KEYS FROM " + (catalog.empty() ? "" : quoted(catalog) + ".") + quoted(table) +
-                    " WHERE Key_name = 'PRIMARY'";
-  const std::string& secret = impl_->secret;
+  std::string sql = "SHOW KEYS FROM " + (catalog.empty() ? "" : engine::quoted(catalog) + ".") +
+                    engine::quoted(table) + " WHERE Key_name = 'PRIMARY'";
+  const std::string& secret = secret_;
   return impl_->guarded([&] {
     engine::Guard exchange(impl_->exchange);
     if (mysql_real_query(m, sql.data(), sql.size()) != 0)
@@ -375,8 +261,7 @@ std::vector<std::string> MariaDbConnection::primaryKey(const std::string& catalo
     std::sort(columns.begin(), columns.end());
     std::vector<std::string> names;
     for (auto& [sequence, name] : columns) names.push_back(name);
-    engine::Guard lock(impl_->keysMutex);
-    impl_->primaryKeys[key] = names;
+    primaryKeys_.remember(key, names);
     return names;
   });
 }

@@ -9,6 +9,7 @@
 
 #include "engine/ConnectionSettings.h"
 #include "engine/Lock.h"
+#include "engine/SessionConnection.h"
 #include "frame/OwnStatement.h"
 #include "frame/Recordset.h"
 #include "vb/Value.h"
@@ -34,7 +35,7 @@ class SessionCache;
 // keys) goes with it.
 //
 // acquire() shares one session per connection key per process, as OdbcConnection::acquire does.
-class MariaDbConnection final : public Connection {
+class MariaDbConnection final : public engine::SessionConnection {
  public:
   // The process's shared connection for the settings, opened on first use. Thread-safe.
   static std::shared_ptr<MariaDbConnection> acquire(const ConnectionSettings& settings);
@@ -44,11 +45,6 @@ class MariaDbConnection final : public Connection {
   static std::size_t sharedCount();
 
   ~MariaDbConnection() override;
-  MariaDbConnection(const MariaDbConnection&) = delete;
-  MariaDbConnection& operator=(const MariaDbConnection&) = delete;
-
-  const ConnectionSettings& settings() const;
-  bool serializesAllocation() const override;
 
   // Runs a statement outside the trace (the engine's own housekeeping, fixtures).
   void execute(std::string_view sql);
@@ -60,12 +56,6 @@ class MariaDbConnection final : public Connection {
   // For the engine: the live session, opened anew first when the last one was lost (raises when the
   // server cannot be reached, or, during a held call that lost its session, the loss).
   st_mysql* session();
-  // The session is gone (the engine saw `cause`): the next statement reconnects, or, during a held
-  // call, fails with `cause` until the call ends.
-  void markLost(const VbError& cause);
-  bool isLost() const;
-  void beginCall() override;
-  void endCall() override;
   // The primary-key columns of a base table, in key order (cached per table and session).
   std::vector<std::string> primaryKey(const std::string& catalog, const std::string& table);
   mariadb::SessionCache& sessionCache();
@@ -73,12 +63,10 @@ class MariaDbConnection final : public Connection {
   // execute): the client library serves one caller at a time per session, where the ODBC driver takes
   // a lock of its own. Take it after session(), never around it.
   engine::Mutex& exchangeMutex();
-  // The text no message may show (the password).
-  const std::string& secret() const;
 
  private:
   struct Impl;
-  explicit MariaDbConnection(std::unique_ptr<Impl> impl);
+  explicit MariaDbConnection(const ConnectionSettings& settings);
   static std::shared_ptr<MariaDbConnection> connect(const ConnectionSettings& settings);
   std::unique_ptr<Impl> impl_;
 };

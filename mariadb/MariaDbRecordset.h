@@ -1,10 +1,6 @@
 #pragma once
 
-#include <memory>
-#include <string>
-#include <string_view>
-
-#include "frame/Recordset.h"
+#include "engine/EngineRecordset.h"
 
 namespace tovrand {
 
@@ -25,29 +21,9 @@ namespace tovrand {
 // original key values. Both are prepared statements with bound parameters, prepared once per session
 // and text, reported to the trace as the engine's statements.
 // A statement without a result set leaves the recordset closed.
-class MariaDbRecordset final : public Recordset {
+class MariaDbRecordset final : public engine::EngineRecordset {
  public:
   MariaDbRecordset();
-  // A pending AddNew or edit is discarded, never stored.
-  ~MariaDbRecordset() override;
-
-  void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
-            int lockType, int options) override;
-  bool IsOpen() const override;
-  bool BOF() override;
-  bool EOF_() override;
-  Value getField(std::string_view name) override;
-  void setField(std::string_view name, const Value& value) override;
-  // A pending AddNew or edit is stored first, as ADO does.
-  void MoveNext() override;
-  void AddNew() override;
-  void Update() override;
-  // A pending AddNew or edit is discarded.
-  void Close() override;
-
- private:
-  struct Impl;
-  std::unique_ptr<Impl> impl_;
 };
 
 }  // namespace tovrand

@@ -101,14 +101,14 @@ void runBoundStatement(OdbcConnection& connection, const std::string& sql, const
   std::vector<Parameter> parameters(values.size());
   for (std::size_t i = 0; i < values.size(); ++i) parameters[i].value = &values[i];
   try {
-    if (!lent.handle) {
+    if (!lent.statement) {
       SQLHANDLE h = SQL_NULL_HANDLE;
       check(SQLAllocHandle(SQL_HANDLE_STMT, dbc, &h), SQL_HANDLE_DBC, dbc, "allocating a statement", secret);
-      lent.handle = Handle(SQL_HANDLE_STMT, h);
+      lent.statement = Handle(SQL_HANDLE_STMT, h);
       WideText text(sql);
       check(SQLPrepareW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "preparing a statement", secret);
     }
-    SQLHSTMT h = lent.handle.get();
+    SQLHSTMT h = lent.statement.get();
     bindParameters(h, parameters, form, secret);
     check(SQLExecute(h), SQL_HANDLE_STMT, h, "storing the row", secret);
   } catch (const odbc::ConnectionLost& e) {

@@ -4,6 +4,9 @@
 #include <map>
 
 #include "engine/Lock.h"
+#include "engine/SessionSetup.h"
+#include "engine/SessionState.h"
+#include "engine/SharedSessions.h"
 #include "odbc/OdbcApi.h"
 #include "odbc/OwnStatement.h"
 #include "odbc/SessionCache.h"
@@ -33,48 +36,22 @@ std::shared_ptr<Handle> environment() {
   return env;
 }
 
-struct Registry {
-  engine::Mutex mutex;
-  std::map<std::string, std::weak_ptr<OdbcConnection>> connections;
-};
-
-Registry& registry() {
-  static Registry r;
-  return r;
+engine::SharedSessions<OdbcConnection>& shared() {
+  static engine::SharedSessions<OdbcConnection> sessions;
+  return sessions;
 }
 
 }  // namespace
 
-// The text messages must not show: the password, unless it is also a name the messages show anyway
-// (blanking it out of "Table 'tovrand.t' ..." would hide the names and protect nothing).
-std::string secretOf(const ConnectionSettings& s) {
-  const std::string& p = s.password;
-  if (p.empty()) return {};
-  for (const std::string* shown : {&s.user, &s.database, &s.host, &s.socket}) {
-    if (shown->find(p) != std::string::npos) return {};
-  }
-  return p;
-}
+struct OdbcConnection::Impl : Parts {
+  explicit Impl(Parts parts) : Parts(parts) {}
 
-struct OdbcConnection::Impl {
-  ConnectionSettings settings;
-  std::string secret;
   std::shared_ptr<Handle> env;  // declared before the connections: freed after them
   Handle dbc;
   bool connected = false;
-  // The session was lost; the next statement opens a new one, unless the loss was met during a held
-  // call, which then fails every later statement with `lostCause` until it ends.
-  bool lost = false;
-  bool held = false;
-  int calls = 0;  // held calls running
-  VbError lostCause{vberr::kProviderError, ""};
   // Connections given up after their session was lost. Recordsets may still hold statements
   // allocated on them, so they are disconnected and freed only when this object goes.
   std::vector<Handle> retired;
-  engine::Mutex mutex;       // around reconnecting
-  engine::Mutex stateMutex;  // around lost, held, calls and lostCause
-  engine::Mutex keysMutex;
-  std::map<std::string, std::vector<std::string>> primaryKeys;
   odbc::SessionCache cache;
   bool utf8 = false;
 
@@ -99,22 +76,14 @@ struct OdbcConnection::Impl {
     SQLRETURN rc = SQLDriverConnectW(h, nullptr, connectionString.get(), connectionString.length(), nullptr,
                                      0, nullptr, SQL_DRIVER_NOPROMPT);
     if (!SQL_SUCCEEDED(rc)) {
-      VbError e = odbc::toVbError(odbc::diagnosticOf(SQL_HANDLE_DBC, h), "connecting", secret);
-      throw VbError(vberr::kProviderError,
-                    "cannot connect to the database " + settings.redacted() + ": " + e.description());
+      engine::refuseSession(
+          settings,
+          odbc::toVbError(odbc::diagnosticOf(SQL_HANDLE_DBC, h), "connecting", secret).description());
     }
     connected = true;
 
-    // The component writes table names in mixed case (t_porder, T_POrder); a case-sensitive server
-    // would silently address tables that do not exist.
-    std::vector<Value> session = firstRow("select @@lower_case_table_names, @@character_set_results");
-    if (!session.empty() && !session[0].isNull() && CStr(session[0]) == "0") {
-      throw VbError(
-          vberr::kProviderError,
-          "the server runs with lower_case_table_names=0; Tovrand needs lower_case_table_names=1 (table "
-          "names are written in mixed case, as on a Windows server): start the server with "
-          "--lower-case-table-names=1");
-    }
+    std::vector<Value> session = firstRow(engine::kSessionQuery);
+    engine::checkSession(session);
     utf8 = isMariaDbDriver(h) && session.size() > 1 && !session[1].isNull() &&
            CStr(session[1]).rfind("utf8", 0) == 0;
     // The driver asked for TLS goes on in plain text when the server offers none: such a session is
@@ -122,66 +91,32 @@ struct OdbcConnection::Impl {
     if (settings.sslRequired) {
       std::vector<Value> cipher = firstRow("SHOW SESSION STATUS LIKE 'Ssl_cipher'");
       if (cipher.size() < 2 || cipher[1].isNull() || CStr(cipher[1]).empty()) {
-        throw VbError(vberr::kProviderError, "cannot connect to the database " + settings.redacted() +
-                                                 ": the server offers no TLS, and the setting asks for an "
-                                                 "encrypted session");
+        engine::refuseSession(settings,
+                              "the server offers no TLS, and the setting asks for an encrypted session");
       }
     }
-    if (!settings.serverDate.empty()) {
-      run("SET timestamp = UNIX_TIMESTAMP('" + settings.serverDate + " 12:00:00')");
-    }
+    if (auto pin = engine::clockPinning(settings)) run(*pin);
   }
 
   // The connection statements are allocated on. After a lost session a new one is opened here, at the
   // next statement: nothing is re-sent, so a statement that may have run never runs twice.
   SQLHDBC live() {
-    engine::Guard lock(mutex);
-    bool reconnect = false;
-    {
-      engine::Guard state(stateMutex);
-      // The rest of a held call must not reach a database its earlier statements may have left half
-      // written: it fails as the statement that lost the session did.
-      if (lost && held) throw odbc::ConnectionLost(lostCause);
-      reconnect = lost;
-    }
-    if (reconnect) {
-      // The statements prepared on the old session go with it.
-      cache.newSession();
-      {
-        engine::Guard keys(keysMutex);
-        primaryKeys.clear();
-      }
-      if (connected) retired.push_back(std::move(dbc));
-      connected = false;
-      try {
-        open();
-      } catch (const VbError& e) {
-        // A server still out of reach: a held call does not wait for it once more per statement.
-        noteLost(e);
-        throw;
-      }
-      engine::Guard state(stateMutex);
-      lost = false;
-    }
-    return dbc.get();
-  }
-
-  void noteLost(const VbError& cause) {
-    engine::Guard state(stateMutex);
-    if (!held) lostCause = cause;
-    lost = true;
-    held = calls > 0;
+    return state.liveSession<odbc::ConnectionLost>(
+        [&] {
+          // The statements prepared on the old session go with it.
+          cache.newSession();
+          primaryKeys.clear();
+          if (connected) retired.push_back(std::move(dbc));
+          connected = false;
+          open();
+        },
+        [&] { return dbc.get(); });
   }
 
   // Runs `f`, noting a lost session on the way out.
   template <class F>
   auto guarded(F&& f) -> decltype(f()) {
-    try {
-      return f();
-    } catch (const odbc::ConnectionLost& e) {
-      noteLost(e);
-      throw;
-    }
+    return state.guarded<odbc::ConnectionLost>(std::forward<F>(f));
   }
 
   void run(std::string_view sql) {
@@ -241,43 +176,25 @@ struct OdbcConnection::Impl {
   }
 };
 
-OdbcConnection::OdbcConnection(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+OdbcConnection::OdbcConnection(const ConnectionSettings& settings)
+    : SessionConnection(settings), impl_(std::make_unique<Impl>(parts())) {}
 OdbcConnection::~OdbcConnection() = default;
 
 std::shared_ptr<OdbcConnection> OdbcConnection::connect(const ConnectionSettings& settings) {
-  auto impl = std::make_unique<Impl>();
-  impl->settings = settings;
-  impl->secret = secretOf(settings);
-  impl->env = environment();
-  impl->open();
-  return std::shared_ptr<OdbcConnection>(new OdbcConnection(std::move(impl)));
+  std::shared_ptr<OdbcConnection> connection(new OdbcConnection(settings));
+  connection->impl_->env = environment();
+  connection->impl_->open();
+  return connection;
 }
 
 std::shared_ptr<OdbcConnection> OdbcConnection::acquire(const ConnectionSettings& settings) {
-  Registry& r = registry();
-  std::string key = settings.connectionKey();
-  engine::Guard lock(r.mutex);
-  for (auto it = r.connections.begin(); it != r.connections.end();) {
-    it = it->second.expired() ? r.connections.erase(it) : std::next(it);
-  }
-  if (auto it = r.connections.find(key); it != r.connections.end()) {
-    if (auto existing = it->second.lock()) return existing;
-  }
-  auto created = connect(settings);
-  r.connections[key] = created;
-  return created;
+  return shared().acquire(settings.connectionKey(), [&] { return connect(settings); });
 }
 
 std::shared_ptr<OdbcConnection> OdbcConnection::openPrivate(const ConnectionSettings& settings) {
   return connect(settings);
 }
 
-const ConnectionSettings& OdbcConnection::settings() const {
-  return impl_->settings;
-}
-bool OdbcConnection::serializesAllocation() const {
-  return impl_->settings.serializeAllocation;
-}
 void OdbcConnection::execute(std::string_view sql) {
   impl_->live();
   impl_->run(sql);
@@ -293,20 +210,6 @@ OwnStatementResult OdbcConnection::runOwnStatement(std::string_view sql) {
 void* OdbcConnection::nativeHandle() {
   return impl_->live();
 }
-void OdbcConnection::markLost(const VbError& cause) {
-  impl_->noteLost(cause);
-}
-void OdbcConnection::beginCall() {
-  engine::Guard state(impl_->stateMutex);
-  if (impl_->calls++ == 0) impl_->held = false;
-}
-void OdbcConnection::endCall() {
-  engine::Guard state(impl_->stateMutex);
-  if (impl_->calls > 0 && --impl_->calls == 0) impl_->held = false;
-}
-const std::string& OdbcConnection::secret() const {
-  return impl_->secret;
-}
 odbc::SessionCache& OdbcConnection::sessionCache() {
   return impl_->cache;
 }
@@ -315,12 +218,9 @@ bool OdbcConnection::textAsUtf8() const {
 }
 
 std::vector<std::string> OdbcConnection::primaryKey(const std::string& catalog, const std::string& table) {
-  std::string key = toLowerAscii(catalog) + "." + toLowerAscii(table);
-  {
-    engine::Guard lock(impl_->keysMutex);
-    if (auto it = impl_->primaryKeys.find(key); it != impl_->primaryKeys.end()) return it->second;
-  }
-  const std::string& secret = impl_->secret;
+  std::string key = engine::PrimaryKeys::keyOf(catalog, table);
+  if (std::vector<std::string> known; primaryKeys_.find(key, known)) return known;
+  const std::string& secret = secret_;
   SQLHDBC dbc = impl_->live();
   return impl_->guarded([&] {
     SQLHANDLE h = SQL_NULL_HANDLE;
@@ -347,8 +247,7 @@ std::vector<std::string> OdbcConnection::primaryKey(const std::string& catalog, 
     std::sort(columns.begin(), columns.end());
     std::vector<std::string> names;
     for (auto& [sequence, name] : columns) names.push_back(name);
-    engine::Guard lock(impl_->keysMutex);
-    impl_->primaryKeys[key] = names;
+    primaryKeys_.remember(key, names);
     return names;
   });
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/ConnectionSettings.h"
+#include "engine/SessionConnection.h"
 #include "frame/Recordset.h"
 #include "vb/Value.h"
 #include "vb/VbError.h"
@@ -34,7 +35,7 @@ class SessionCache;
 // acquire() shares one connection per connection string per process: every holder of the same
 // settings gets the same object, and the physical connection ends when the last reference goes (the
 // holders' and the recordsets' that still run on it).
-class OdbcConnection final : public Connection {
+class OdbcConnection final : public engine::SessionConnection {
  public:
   // The process's shared connection for the settings, opened on first use. Thread-safe.
   static std::shared_ptr<OdbcConnection> acquire(const ConnectionSettings& settings);
@@ -42,12 +43,6 @@ class OdbcConnection final : public Connection {
   static std::shared_ptr<OdbcConnection> openPrivate(const ConnectionSettings& settings);
 
   ~OdbcConnection() override;
-  OdbcConnection(const OdbcConnection&) = delete;
-  OdbcConnection& operator=(const OdbcConnection&) = delete;
-
-  const ConnectionSettings& settings() const;
-  // The serialize_allocation option of the settings.
-  bool serializesAllocation() const override;
 
   // Runs a statement outside the trace (the engine's own housekeeping, fixtures). On a connection
   // whose settings turn client multi-statements on, every result of the text is consumed and the first
@@ -62,11 +57,6 @@ class OdbcConnection final : public Connection {
   // (cached per table). After a lost session (markLost) the next nativeHandle() connects anew and sets
   // the session up again; it raises when the server cannot be reached.
   void* nativeHandle();
-  // The session is gone (the engine saw `cause`, a lost-connection error): the next statement
-  // reconnects, or, during a held call, fails with `cause` until the call ends.
-  void markLost(const VbError& cause);
-  void beginCall() override;
-  void endCall() override;
   std::vector<std::string> primaryKey(const std::string& catalog, const std::string& table);
   // What the engine remembers of this session (tables' columns, result names, prepared statements);
   // forgotten whenever a new session begins.
@@ -74,12 +64,10 @@ class OdbcConnection final : public Connection {
   // Whether text crosses the driver as the session's UTF-8 (MariaDB Connector/ODBC on a utf8mb4
   // session) rather than as UTF-16.
   bool textAsUtf8() const;
-  // The text no message may show (the password).
-  const std::string& secret() const;
 
  private:
   struct Impl;
-  explicit OdbcConnection(std::unique_ptr<Impl> impl);
+  explicit OdbcConnection(const ConnectionSettings& settings);
   static std::shared_ptr<OdbcConnection> connect(const ConnectionSettings& settings);
   std::unique_ptr<Impl> impl_;
 };

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <memory>
-#include <string>
-#include <string_view>
-
-#include "frame/Recordset.h"
+#include "engine/EngineRecordset.h"
 
 namespace tovrand {
 
@@ -26,29 +22,9 @@ namespace tovrand {
 // Rows are read a block at a time into bound buffers, and a result's column labels are asked for once
 // per session and shape of text (see odbc/ResultRows.h, engine/SqlShape.h).
 // A statement without a result set leaves the recordset closed.
-class OdbcRecordset final : public Recordset {
+class OdbcRecordset final : public engine::EngineRecordset {
  public:
   OdbcRecordset();
-  // A pending AddNew or edit is discarded, never stored.
-  ~OdbcRecordset() override;
-
-  void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
-            int lockType, int options) override;
-  bool IsOpen() const override;
-  bool BOF() override;
-  bool EOF_() override;
-  Value getField(std::string_view name) override;
-  void setField(std::string_view name, const Value& value) override;
-  // A pending AddNew or edit is stored first, as ADO does.
-  void MoveNext() override;
-  void AddNew() override;
-  void Update() override;
-  // A pending AddNew or edit is discarded.
-  void Close() override;
-
- private:
-  struct Impl;
-  std::unique_ptr<Impl> impl_;
 };
 
 }  // namespace tovrand
