@@ -26,6 +26,8 @@ namespace servererr {
 inline constexpr unsigned int kLockWaitTimeout = 1205;
 inline constexpr unsigned int kDeadlock = 1213;  // also a cluster's certification failure
 inline constexpr unsigned int kNoSuchTable = 1146;
+inline constexpr unsigned int kDuplicateKey = 1062;
+inline constexpr unsigned int kUnknownStatement = 1243;  // a prepared statement the server dropped
 }  // namespace servererr
 
 // The server's error number of an exception, 0 when it is not a statement the server refused.

@@ -40,6 +40,8 @@ class SerializedAllocation {
            "key update F_Taken=F_Taken+1";
   }
 
+  static constexpr int kDuplicateRetries = 2;
+
   using NewRecordset = std::function<std::shared_ptr<Recordset>()>;
   SerializedAllocation(ConnectionPtr connection, NewRecordset newRecordset,
                        const clsDataPOrderChk::AllocationBound& bound)
@@ -56,6 +58,7 @@ class SerializedAllocation {
     const Hold hold(*connection_);
     const auto started = std::chrono::steady_clock::now();
     bool tableCreated = false;
+    int duplicates = 0;
     for (;;) {
       ++attempts;
       bool lockRowTaken = false;
@@ -70,7 +73,14 @@ class SerializedAllocation {
         // A lost session took its transaction with it; nothing more is sent on it.
         if (connection_->isLost()) throw;
         const unsigned int code = serverCodeOf(std::current_exception());
-        if (code == servererr::kDeadlock || code == servererr::kLockWaitTimeout) {
+        // A cluster that aborts an allocation for a concurrent one on another server may report it
+        // only at a later statement of the allocation, which then meets the other's number (a
+        // duplicate) or its own statement gone: such an allocation runs again, a few times for a
+        // duplicate, which a month whose numbers overflow into the next gives on every try.
+        const bool conflict = code == servererr::kDeadlock || code == servererr::kLockWaitTimeout ||
+                              code == servererr::kUnknownStatement ||
+                              (code == servererr::kDuplicateKey && ++duplicates <= kDuplicateRetries);
+        if (conflict) {
           sendQuietly(kRollback);
           const std::chrono::milliseconds pause = pauseBefore(attempts + 1);
           if (attempts >= bound_.attempts || std::chrono::steady_clock::now() - started + pause >=

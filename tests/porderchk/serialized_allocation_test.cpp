@@ -116,9 +116,12 @@ TEST_F(SerializedAllocation, DuplicateNumberIsReportedAsWithoutTheOption) {
 
   EXPECT_EQ(chk().AddRecord(lines, "2805001", "C001", "PO-1", 2), 0);
 
+  // A duplicate may come from an allocation a cluster aborted late: it is tried twice more before the
+  // duplicate is reported.
   EXPECT_EQ(messages().messages(), oneMessage("Duplicate entry '20080600' for key 'PRIMARY'"));
   EXPECT_EQ(trace().statements().back(), method(kCommit));
-  EXPECT_EQ(chk().lastAllocationAttempts(), 1);
+  EXPECT_EQ(chk().lastAllocationAttempts(), 3);
+  EXPECT_EQ(lineNumbers(2805001), "NULL,NULL");
   EXPECT_EQ(openTransactions(), "0");
 }
 
