@@ -142,7 +142,8 @@ Figures allocateTogether(const std::vector<std::string>& dsns, const std::string
       f.attempts.push_back(a.attempts[k]);
       f.latenciesMs.push_back(a.latencies[k]);
     }
-    for (const Message& m : a.messages->messages()) ++f.messages[m.text];
+    // Duplicates counted together, whatever the number.
+    for (const Message& m : a.messages->messages()) ++f.messages[m.text.substr(0, m.text.find('\''))];
     a.chk.reset();
   }
   return f;
