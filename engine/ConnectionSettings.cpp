@@ -380,7 +380,7 @@ std::string ConnectionSettings::odbcConnectionString() const {
 }
 
 std::string ConnectionSettings::connectionKey() const {
-  // The named lock is taken on the session, so sessions with and without it are kept apart.
+  // The allocation transaction runs on the session, so sessions with and without it are kept apart.
   return odbcConnectionString() + "\n" + serverDate + (serializeAllocation ? "\nserialize_allocation" : "") +
          (engine == "odbc" ? "" : "\nengine=" + engine);
 }

@@ -15,9 +15,9 @@ namespace tovrand {
 // read and write of the server's answers, and connecting, give up after it, so that a server that
 // stops answering ends a call in a handled error instead of freezing the caller; default 30 for
 // reads and writes, 10 for connecting), connect_timeout= (seconds, connecting only) and
-// serialize_allocation=1 (clsDataPOrderChk.AddRecord holds a named server lock from reading the
-// month's numbers to its last new review, so that clients allocating at the same moment queue
-// instead of colliding; 0, the default, sends only the component's own statements), ssl=required (the
+// serialize_allocation=1 (clsDataPOrderChk.AddRecord allocates in one transaction that first writes a
+// lock row, so that clients allocating at the same moment queue, or on a cluster run again, instead of
+// colliding; 0, the default, sends only the component's own statements), ssl=required (the
 // session is encrypted with TLS or not opened at all; ssl=off, the default, leaves it to the driver)
 // and ssl_ca=FILE (the server's certificate must be issued by the authority in FILE and name the host
 // connected to; implies ssl=required, whatever ssl says) after a '?' of a mysql URL, or as keys of a raw ODBC

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "engine/ConnectionSettings.h"
+#include "engine/Lock.h"
 #include "engine/SessionSetup.h"
 #include "engine/SessionState.h"
 #include "frame/Recordset.h"
@@ -23,7 +24,9 @@ class SessionConnection : public Connection {
   // The session is gone (the engine saw `cause`, a lost-session error): the next statement
   // reconnects, or, during a held call, fails with `cause` until the call ends.
   void markLost(const VbError& cause) { state_.noteLost(cause); }
-  bool isLost() const { return state_.isLost(); }
+  bool isLost() const override { return state_.isLost(); }
+  void beginTransactionHold() override { transactions_.lock(); }
+  void endTransactionHold() override { transactions_.unlock(); }
   void beginCall() override { state_.beginCall(); }
   void endCall() override { state_.endCall(); }
   // The text no message may show (the password).
@@ -46,6 +49,7 @@ class SessionConnection : public Connection {
   const std::string secret_;
   SessionState state_;
   PrimaryKeys primaryKeys_;
+  Mutex transactions_;  // held around a member's transaction
 };
 
 }  // namespace tovrand::engine

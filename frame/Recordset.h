@@ -36,9 +36,17 @@ class Connection {
  public:
   virtual ~Connection() = default;
   // Whether the site asked that production numbers be allocated one client at a time
-  // (clsDataPOrderChk.AddRecord then holds the server's named lock while it allocates). A setting
-  // of the connection, off unless the connection's settings turn it on.
+  // (clsDataPOrderChk.AddRecord then allocates inside one transaction that first writes a lock row).
+  // A setting of the connection, off unless the connection's settings turn it on.
   virtual bool serializesAllocation() const { return false; }
+  // Held by a member around a transaction of its own on this connection: the holders that share
+  // the connection's session (other objects, other threads) then run such transactions one after
+  // another, so that none starts or ends another's. Not reentrant.
+  virtual void beginTransactionHold() {}
+  virtual void endTransactionHold() {}
+  // Whether the session has been found lost (killed, timed out, the server gone); the server has
+  // then rolled back whatever transaction was open on it.
+  virtual bool isLost() const { return false; }
   // A member whose routines handle their own errors and let it go on holds its call on the
   // connection (DataObject::CallScope): a session lost during the call fails every later statement
   // of it as well, so that what the member does after a routine met the loss never reaches the

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "engine/TemporalText.h"
+#include "frame/ServerError.h"
 
 namespace tovrand::mariadb {
 
@@ -23,7 +24,7 @@ std::string blankOut(std::string text, std::string_view secret) {
                         std::string_view context, std::string_view secret) {
   VbError e = errorOf(number, sqlState, message, context, secret);
   if (isSessionLost(number, sqlState)) throw SessionLost(std::move(e));
-  throw e;
+  throw ServerError(std::move(e), number);
 }
 
 bool isBinaryCharset(unsigned int charset) {

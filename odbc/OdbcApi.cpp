@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "engine/TemporalText.h"
+#include "frame/ServerError.h"
 #include "vb/Text.h"
 
 namespace tovrand::odbc {
@@ -103,7 +104,8 @@ void check(SQLRETURN rc, SQLSMALLINT handleType, SQLHANDLE handle, std::string_v
   }
   Diagnostic diagnostic = diagnosticOf(handleType, handle);
   if (isConnectionLost(diagnostic)) throw ConnectionLost(toVbError(diagnostic, context, secret));
-  throw toVbError(diagnostic, context, secret);
+  throw ServerError(toVbError(diagnostic, context, secret),
+                    static_cast<unsigned int>(diagnostic.nativeError));
 }
 
 namespace {

@@ -1,54 +1,146 @@
 #include "porderchk/clsDataPOrderChk.h"
 
-#include <optional>
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <random>
+#include <string>
 
 #include "frame/OpenForms.h"
+#include "frame/Pause.h"
+#include "frame/ServerError.h"
 #include "vb/VbError.h"
 
 namespace tovrand {
 
 namespace {
 
-// Held by AddRecord while it allocates, when the connection's settings ask for it: the server's named
-// lock, taken before the month's numbers are read and given back after the last new review, on every
-// way out, so that clients allocating at the same moment queue instead of taking the same number. The
-// lock belongs to the server session, so a client waits at most kLockSeconds and then gives up.
-class AllocationLock {
+// With serialize_allocation=1 AddRecord allocates inside one transaction that first writes the
+// allocation's lock row. A write and not the server's named lock: a named lock lives on one server
+// only, while two transactions that write the same row conflict on every server of a cluster, so that
+// of two allocations made at the same moment on different servers the later fails at its commit
+// (error 1213) and runs again from the start; on one server the row lock makes the others queue. The
+// row lives in a table of the component's own, keyed by name because a cluster replicates only tables
+// with a primary key. schema/tovrand.sql creates it; a database loaded before it had the table gets it
+// on the first allocation that misses it. Every allocation adds one to the row's count, so that its
+// write is never empty, which a cluster would not certify against another.
+class SerializedAllocation {
  public:
-  static constexpr int kLockSeconds = 10;
-  // One lock per database: other databases on the same server allocate their own numbers. The name
-  // stays within the 64 characters every server takes.
-  static constexpr const char* kLockName = "concat('tovrand.allocation.', left(database(), 45))";
+  static constexpr const char* kBegin = "start transaction";
+  static constexpr const char* kCommit = "commit";
+  static constexpr const char* kRollback = "rollback";
+  static constexpr const char* kCreateLockTable =
+      "create table if not exists t_tovrand_lock (F_Name varchar(64) not null, F_Taken bigint not null "
+      "default 0, primary key (F_Name)) engine=InnoDB default charset=utf8mb4 collate=utf8mb4_general_ci";
 
-  AllocationLock(std::shared_ptr<Recordset> rs, ConnectionPtr connection)
-      : rs_(std::move(rs)), connection_(std::move(connection)) {
-    openRead(*rs_, std::string("select get_lock(") + kLockName + ", " + CStr(kLockSeconds) + ") as Locked",
-             connection_);
-    Value locked = rs_->Fields("Locked").value();
-    rs_->Close();
-    if (locked.isNull() || CDbl(locked) != 1) {
-      throw VbError(vberr::kProviderError,
-                    "Another client is allocating production numbers: the allocation lock could not be had "
-                    "within " +
-                        CStr(kLockSeconds) + " seconds");
+  static std::string takeLockRow(int lockWaitSeconds) {
+    return "set statement innodb_lock_wait_timeout=" + std::to_string(lockWaitSeconds) +
+           " for insert into t_tovrand_lock (F_Name, F_Taken) values ('production number', 1) on duplicate "
+           "key update F_Taken=F_Taken+1";
+  }
+
+  static constexpr int kDuplicateRetries = 2;
+
+  using NewRecordset = std::function<std::shared_ptr<Recordset>()>;
+  SerializedAllocation(ConnectionPtr connection, NewRecordset newRecordset,
+                       const clsDataPOrderChk::AllocationBound& bound)
+      : connection_(std::move(connection)), newRecordset_(std::move(newRecordset)), bound_(bound) {}
+
+  // Runs `allocate` inside the transaction until it commits; `attempts` counts the transactions begun.
+  // A conflict with a concurrent allocation (deadlock, failed certification, a lock row waited for too
+  // long) rolls the whole allocation back and runs it again after a short random pause, within the
+  // bound; any other error ends it as it ends without the option: what the lines before it wrote
+  // stays, and the error is reported.
+  template <class Allocate, class Renew>
+  void run(Allocate&& allocate, Renew&& renew, int& attempts) {
+    // Two holders of one shared session must not begin or end each other's transaction.
+    const Hold hold(*connection_);
+    const auto started = std::chrono::steady_clock::now();
+    bool tableCreated = false;
+    int duplicates = 0;
+    for (;;) {
+      ++attempts;
+      bool lockRowTaken = false;
+      try {
+        send(kBegin);
+        send(takeLockRow(bound_.lockWaitSeconds));
+        lockRowTaken = true;
+        allocate();
+        send(kCommit);
+        return;
+      } catch (...) {
+        // A lost session took its transaction with it; nothing more is sent on it.
+        if (connection_->isLost()) throw;
+        const unsigned int code = serverCodeOf(std::current_exception());
+        // A cluster that aborts an allocation for a concurrent one on another server may report it
+        // only at a later statement of the allocation, which then meets the other's number (a
+        // duplicate) or its own statement gone: such an allocation runs again, a few times for a
+        // duplicate, which a month whose numbers overflow into the next gives on every try.
+        const bool conflict = code == servererr::kDeadlock || code == servererr::kLockWaitTimeout ||
+                              code == servererr::kUnknownStatement ||
+                              (code == servererr::kDuplicateKey && ++duplicates <= kDuplicateRetries);
+        if (conflict) {
+          sendQuietly(kRollback);
+          const std::chrono::milliseconds pause = pauseBefore(attempts + 1);
+          if (attempts >= bound_.attempts || std::chrono::steady_clock::now() - started + pause >=
+                                                 std::chrono::seconds(bound_.totalSeconds)) {
+            throw VbError(vberr::kProviderError, gaveUp(attempts));
+          }
+          pauseFor(pause);
+        } else if (code == servererr::kNoSuchTable && !lockRowTaken && !tableCreated) {
+          sendQuietly(kRollback);
+          send(kCreateLockTable);
+          tableCreated = true;
+        } else {
+          sendQuietly(lockRowTaken ? kCommit : kRollback);
+          throw;
+        }
+      }
+      renew();
     }
   }
 
-  ~AllocationLock() {
-    // A session that cannot run this has lost its connection, and with it the lock.
-    try {
-      openRead(*rs_, std::string("select release_lock(") + kLockName + ")", connection_);
-      rs_->Close();
-    } catch (...) {
-    }
+  static std::string gaveUp(int attempts) {
+    return "The production number could not be allocated after " + std::to_string(attempts) +
+           (attempts == 1 ? " attempt" : " attempts") +
+           ": other clients were allocating production numbers at the same time. Nothing of this sales "
+           "order was written; try again.";
   }
-
-  AllocationLock(const AllocationLock&) = delete;
-  AllocationLock& operator=(const AllocationLock&) = delete;
 
  private:
-  std::shared_ptr<Recordset> rs_;
+  class Hold {
+   public:
+    explicit Hold(Connection& connection) : connection_(connection) { connection_.beginTransactionHold(); }
+    ~Hold() { connection_.endTransactionHold(); }
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+   private:
+    Connection& connection_;
+  };
+
+  void send(const std::string& sql) { openRead(*newRecordset_(), sql, connection_); }
+  void sendQuietly(const char* sql) {
+    try {
+      send(sql);
+    } catch (...) {
+      // The error being reported is the one that ended the attempt.
+    }
+  }
+
+  // Random, and longer after each conflict, so that allocators that met once do not meet again.
+  static std::chrono::milliseconds pauseBefore(int attempt) {
+    thread_local std::mt19937 random(static_cast<std::mt19937::result_type>(
+        std::random_device{}() ^
+        static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count())));
+    const int ceiling = std::min(2 << std::min(attempt, 6), 100);
+    return std::chrono::milliseconds(std::uniform_int_distribution<int>(1, ceiling)(random));
+  }
+
   ConnectionPtr connection_;
+  NewRecordset newRecordset_;
+  const clsDataPOrderChk::AllocationBound& bound_;
 };
 
 // The production order a review is about, the first eight columns of the review, as QueryAll and
@@ -278,81 +370,89 @@ std::int16_t clsDataPOrderChk::AddRecord(Collection& objColl, const std::string&
     if (objColl.Count() < 1) return result;
     renewRecordset();
     ConnectionPtr cn = connection();
-    // Held around the lock, whose release on the way out must not reach a new session: a lost one
-    // has taken the lock with it.
+    // Held around the whole allocation, so that what follows a lost session fails too instead of
+    // reaching a new session outside the allocation's transaction.
     const CallScope call(cn);
-    std::optional<AllocationLock> lock;
-    if (cn->serializesAllocation()) lock.emplace(newRecordset(), cn);
-
-    // The month is the server's: the first six characters of the number against those of curdate().
-    Recordset& rs = recordset();
-    openStatement(rs,
-                  "select * from t_porderchk where "
-                  "left(cast(F_ProdNo as char),6)=left(cast(curdate()+0 as char),6)",
-                  cn, adOpenKeyset, adLockPessimistic, adCmdUnspecified);
-    double nextProdNo = 0;
-    if (!noRows(rs)) {
-      rs.Close();
-      // The month goes on from its largest number, whatever LenInt says now.
+    lastAllocationAttempts_ = 0;
+    auto allocate = [&] {
+      // The month is the server's: the first six characters of the number against those of curdate().
+      Recordset& rs = recordset();
       openStatement(rs,
-                    "select max(F_ProdNo) as ProdNo from T_POrderChk where "
+                    "select * from t_porderchk where "
                     "left(cast(F_ProdNo as char),6)=left(cast(curdate()+0 as char),6)",
                     cn, adOpenKeyset, adLockPessimistic, adCmdUnspecified);
-      nextProdNo = CDbl(rs.Fields("prodno").value()) + 1;
-      rs.Close();
-    } else {
-      rs.Close();
-      openStatement(rs, "select left(cast(curdate()+0 as char),6) as ProdNo", cn, adOpenKeyset,
-                    adLockPessimistic, adCmdUnspecified);
-      std::string month = CStr(rs.Fields("ProdNo").value());
-      rs.Close();
-      // Any other width leaves the number at 0: the month then starts from 0.
-      switch (LenInt) {
-        case 2:
-          nextProdNo = CDbl(Value(month + "01"));
-          break;
-        case 3:
-          nextProdNo = CDbl(Value(month + "001"));
-          break;
-        case 4:
-          nextProdNo = CDbl(Value(month + "0001"));
-          break;
-        case 5:
-          nextProdNo = CDbl(Value(month + "00001"));
-          break;
-        default:
-          break;
+      double nextProdNo = 0;
+      if (!noRows(rs)) {
+        rs.Close();
+        // The month goes on from its largest number, whatever LenInt says now.
+        openStatement(rs,
+                      "select max(F_ProdNo) as ProdNo from T_POrderChk where "
+                      "left(cast(F_ProdNo as char),6)=left(cast(curdate()+0 as char),6)",
+                      cn, adOpenKeyset, adLockPessimistic, adCmdUnspecified);
+        nextProdNo = CDbl(rs.Fields("prodno").value()) + 1;
+        rs.Close();
+      } else {
+        rs.Close();
+        openStatement(rs, "select left(cast(curdate()+0 as char),6) as ProdNo", cn, adOpenKeyset,
+                      adLockPessimistic, adCmdUnspecified);
+        std::string month = CStr(rs.Fields("ProdNo").value());
+        rs.Close();
+        // Any other width leaves the number at 0: the month then starts from 0.
+        switch (LenInt) {
+          case 2:
+            nextProdNo = CDbl(Value(month + "01"));
+            break;
+          case 3:
+            nextProdNo = CDbl(Value(month + "001"));
+            break;
+          case 4:
+            nextProdNo = CDbl(Value(month + "0001"));
+            break;
+          case 5:
+            nextProdNo = CDbl(Value(month + "00001"));
+            break;
+          default:
+            break;
+        }
       }
-    }
 
-    // The sequence part is not bounded: its width is the caller's business. Nothing encloses the
-    // lines in a transaction; the lines done before an error stay done.
-    double orderNo = Val(OrderNo);
-    for (std::int32_t i = 1; i <= objColl.Count(); ++i) {
-      clsEntBOrderi line(objColl.Item(i));
-      auto review = newRecordset();
-      openStatement(*review, "select * from  t_porderchk", cn, adOpenKeyset, adLockPessimistic,
-                    adCmdUnspecified);
-      review->AddNew();
-      review->Fields("F_ProdNo") = nextProdNo;
-      review->Fields("f_OrderNo") = line.F_OrderNo();
-      review->Fields("f_CustNo") = CustNo;
-      review->Fields("F_ItemNo") = line.F_ItemNo();
-      review->Fields("f_CorderNo") = CorderNo;
-      review->Fields("f_OrderCount") = line.F_OrderQty();
-      review->Fields("f_DeliverDate") = line.F_DeliverDate();
-      review->Fields("F_CItemNO") = line.F_CItemNo();
-      review->Update();
-      openStatement(recordset(),
-                    "update T_BOrderi set F_ProdNo=" + CStr(nextProdNo) +
-                        " where F_OrderNo=" + CStr(orderNo) + " and F_ItemNo='" + line.F_ItemNo() +
-                        "' and f_No='" + line.F_No() + "'",
-                    cn, adOpenKeyset, adLockPessimistic, adCmdUnspecified);
-      // The header is flagged again for every line.
-      openStatement(recordset(), "update T_BOrderh set F_Flags=1 where F_OrderNo=" + CStr(orderNo), cn,
-                    adOpenKeyset, adLockPessimistic, adCmdUnspecified);
-      renewRecordset();
-      nextProdNo += 1.0;
+      // The sequence part is not bounded: its width is the caller's business. The lines done before
+      // an error stay done, with or without the allocation's transaction.
+      double orderNo = Val(OrderNo);
+      for (std::int32_t i = 1; i <= objColl.Count(); ++i) {
+        clsEntBOrderi line(objColl.Item(i));
+        auto review = newRecordset();
+        openStatement(*review, "select * from  t_porderchk", cn, adOpenKeyset, adLockPessimistic,
+                      adCmdUnspecified);
+        review->AddNew();
+        review->Fields("F_ProdNo") = nextProdNo;
+        review->Fields("f_OrderNo") = line.F_OrderNo();
+        review->Fields("f_CustNo") = CustNo;
+        review->Fields("F_ItemNo") = line.F_ItemNo();
+        review->Fields("f_CorderNo") = CorderNo;
+        review->Fields("f_OrderCount") = line.F_OrderQty();
+        review->Fields("f_DeliverDate") = line.F_DeliverDate();
+        review->Fields("F_CItemNO") = line.F_CItemNo();
+        review->Update();
+        openStatement(recordset(),
+                      "update T_BOrderi set F_ProdNo=" + CStr(nextProdNo) +
+                          " where F_OrderNo=" + CStr(orderNo) + " and F_ItemNo='" + line.F_ItemNo() +
+                          "' and f_No='" + line.F_No() + "'",
+                      cn, adOpenKeyset, adLockPessimistic, adCmdUnspecified);
+        // The header is flagged again for every line.
+        openStatement(recordset(), "update T_BOrderh set F_Flags=1 where F_OrderNo=" + CStr(orderNo), cn,
+                      adOpenKeyset, adLockPessimistic, adCmdUnspecified);
+        renewRecordset();
+        nextProdNo += 1.0;
+      }
+    };
+    if (cn->serializesAllocation()) {
+      SerializedAllocation serialized(
+          cn, [this] { return newRecordset(); }, allocationBound_);
+      serialized.run(
+          allocate, [this] { renewRecordset(); }, lastAllocationAttempts_);
+    } else {
+      allocate();
     }
     result = 1;
   } catch (...) {

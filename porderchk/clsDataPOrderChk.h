@@ -32,6 +32,24 @@ class clsDataPOrderChk : public DataObject {
                          const std::string& CorderNo, std::int16_t LenInt);
   std::int16_t QureyDatabase(const std::string& SQLStr, Collection& objColl);
   std::int16_t QuerySalerID(clsEntBOrderh& Entity);
+
+  // How long AddRecord keeps trying on a connection with serialize_allocation=1 when other clients
+  // allocate at the same moment: at most `attempts` tries, none begun after `totalSeconds`, each
+  // waiting at most `lockWaitSeconds` for the allocation's lock row. Not part of the interface that
+  // late-bound callers reach; the defaults suit every site.
+  struct AllocationBound {
+    int attempts = 40;
+    int totalSeconds = 60;
+    int lockWaitSeconds = 10;
+  };
+  void setAllocationBound(const AllocationBound& bound) { allocationBound_ = bound; }
+  // What the last AddRecord's allocation took: how many times it started the allocation's transaction
+  // (0 without serialize_allocation), for the figures of the site's monitoring and the tests.
+  int lastAllocationAttempts() const { return lastAllocationAttempts_; }
+
+ private:
+  AllocationBound allocationBound_;
+  int lastAllocationAttempts_ = 0;
 };
 
 }  // namespace tovrand

@@ -15,7 +15,8 @@
 -- What the component does with each table, and so what the account may do:
 --   reads only     t_wstockqtyi, t_boutmakei, t_cpurh, t_cpuri, t_ebom, t_ebomcheck, t_eitem
 --   reads, adds and changes rows
---                  t_porder, t_porderchk, t_pmrph (its own production orders, reviews and plans)
+--                  t_porder, t_porderchk, t_pmrph (its own production orders, reviews and plans),
+--                  t_tovrand_lock (the lock row of serialized number allocation)
 --   also deletes   t_pmrpi (a released plan's lines) and t_wstockqtys (their reservations): the only
 --                  two tables it deletes from
 --   changes only the columns it writes, in the tables of the sales and warehouse modules
@@ -113,6 +114,10 @@ PREPARE tovrand_statement FROM @tovrand_sql;
 EXECUTE tovrand_statement;
 
 SET @tovrand_sql = CONCAT('GRANT SELECT ON t_eitem TO ', @tovrand_account);
+PREPARE tovrand_statement FROM @tovrand_sql;
+EXECUTE tovrand_statement;
+
+SET @tovrand_sql = CONCAT('GRANT SELECT, INSERT, UPDATE ON t_tovrand_lock TO ', @tovrand_account);
 PREPARE tovrand_statement FROM @tovrand_sql;
 EXECUTE tovrand_statement;
 

@@ -35,6 +35,7 @@ DROP TABLE IF EXISTS t_cpuri;
 DROP TABLE IF EXISTS t_ebom;
 DROP TABLE IF EXISTS t_ebomcheck;
 DROP TABLE IF EXISTS t_eitem;
+DROP TABLE IF EXISTS t_tovrand_lock;
 
 -- Production orders, one per production number; F_OrderMode '外发加工' marks outsourced
 -- processing. The quantities and dates that clsDataPOrder.AddRecord does not write stay NULL,
@@ -293,4 +294,16 @@ CREATE TABLE t_eitem (
   F_ItemDesc    VARCHAR(255) NULL,
   F_Unit        VARCHAR(10)  NULL,
   PRIMARY KEY (F_ItemNo)
+) ENGINE=InnoDB DEFAULT CHARSET=utf8mb4 COLLATE=utf8mb4_general_ci;
+
+-- The component's own lock rows. With the connection option serialize_allocation=1,
+-- clsDataPOrderChk.AddRecord allocates production numbers inside one transaction that first writes
+-- the row 'production number' (it is added by that first write, so the table starts empty). Writing
+-- the same row makes concurrent allocations wait for each other on one server and conflict at
+-- certification on a Galera cluster, where the later one runs again; a cluster needs the primary key.
+-- The component creates the table itself, with this definition, in a database that lacks it.
+CREATE TABLE t_tovrand_lock (
+  F_Name        VARCHAR(64)  NOT NULL,
+  F_Taken       BIGINT       NOT NULL DEFAULT 0,
+  PRIMARY KEY (F_Name)
 ) ENGINE=InnoDB DEFAULT CHARSET=utf8mb4 COLLATE=utf8mb4_general_ci;

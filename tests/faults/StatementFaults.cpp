@@ -111,6 +111,22 @@ int StatementFaults::cutAtEveryStatement(const WritingMember& member) {
     }
     EXPECT_GT(finishesFrom, 0u) << member.name << " never began its last step";
   }
+  // Which state of the reference run a cut before statement k leaves (an index into its `before`):
+  // the state before statement k, or, when the cut falls inside the member's transaction, the state
+  // before the transaction began. `met` is the first statement after the cut that reaches the server.
+  auto heldAfterCut = [&](std::size_t k, std::size_t met) -> std::size_t {
+    if (member.transactionBegins.empty()) return k - 1;
+    // The last transaction begun before the cut, and whether it ended before the statement that met it.
+    std::size_t begun = k;
+    for (std::size_t i = 0; i + 1 < k; ++i) {
+      if (reference.statements[i].sql == member.transactionBegins) begun = i;
+    }
+    if (begun == k) return k - 1;
+    for (std::size_t i = begun + 1; i + 1 < met; ++i) {
+      if (reference.statements[i].sql == member.transactionEnds) return k - 1;
+    }
+    return begun;
+  };
   int survived = 0;
   EXPECT_EQ(reference.metAt.size(), n);
   int cuts = 0;
@@ -141,9 +157,11 @@ int StatementFaults::cutAtEveryStatement(const WritingMember& member) {
     std::vector<TracedStatement> expectedSent(
         reference.statements.begin(), reference.statements.begin() + static_cast<std::ptrdiff_t>(met));
     EXPECT_EQ(hook.recorded().statements(), expectedSent);
-    // The database holds what the statements before the cut did, and nothing more.
+    // The database holds what the statements before the cut did, and nothing more; of a transaction
+    // not yet ended, nothing.
+    const TableContents& held = reference.before[heldAfterCut(k, met)];
     TableContents now = state_->take();
-    EXPECT_TRUE(now == reference.before[k - 1]) << firstDifference(reference.before[k - 1], now);
+    EXPECT_TRUE(now == held) << firstDifference(held, now);
 
     const bool finishes = finishesFrom != 0 && met >= finishesFrom;
     EXPECT_EQ(result, finishes ? reference.result : member.failed);

@@ -34,6 +34,11 @@ struct WritingMember {
   // own success status, showing `messagesWhenFinishing` messages ("": the member has no such step).
   std::string lastStepStarts;
   std::size_t messagesWhenFinishing = 1;
+  // The first and last statements of a transaction the member runs ("": none). A session lost
+  // after the first and before the last has run takes everything since the first with it: the server
+  // rolls the transaction back.
+  std::string transactionBegins;
+  std::string transactionEnds;
 };
 
 // The sample data loaded, a copy of it kept to start every run from, and the runs that cut the

@@ -45,8 +45,9 @@ TEST_F(ComponentAccountTest, HoldsExactlyTheGrantsOfTheSchemaFileAndNoOthers) {
       "t_borderh:SELECT t_borderi:SELECT t_boutmakei:SELECT t_cpurh:SELECT t_cpuri:SELECT t_ebom:SELECT "
       "t_ebomcheck:SELECT t_eitem:SELECT t_pmrph:INSERT t_pmrph:SELECT t_pmrph:UPDATE t_pmrpi:DELETE "
       "t_pmrpi:INSERT t_pmrpi:SELECT t_pmrpi:UPDATE t_porder:INSERT t_porder:SELECT t_porder:UPDATE "
-      "t_porderchk:INSERT t_porderchk:SELECT t_porderchk:UPDATE t_wstockqtyh:SELECT t_wstockqtyi:SELECT "
-      "t_wstockqtys:DELETE t_wstockqtys:INSERT t_wstockqtys:SELECT t_wstockqtys:UPDATE");
+      "t_porderchk:INSERT t_porderchk:SELECT t_porderchk:UPDATE t_tovrand_lock:INSERT t_tovrand_lock:SELECT "
+      "t_tovrand_lock:UPDATE t_wstockqtyh:SELECT t_wstockqtyi:SELECT t_wstockqtys:DELETE t_wstockqtys:INSERT "
+      "t_wstockqtys:SELECT t_wstockqtys:UPDATE");
   EXPECT_EQ(
       scalar("select group_concat(concat(table_name, '.', lower(column_name), ':', privilege_type) order by "
              "table_name, lower(column_name), privilege_type separator ' ') from "

@@ -17,9 +17,9 @@ namespace tovrand::test {
 namespace {
 
 const std::vector<std::string> kTables = {
-    "t_borderh", "t_borderi",   "t_boutmakei",  "t_cpurh",      "t_cpuri",
-    "t_ebom",    "t_ebomcheck", "t_eitem",      "t_pmrph",      "t_pmrpi",
-    "t_porder",  "t_porderchk", "t_wstockqtyh", "t_wstockqtyi", "t_wstockqtys",
+    "t_borderh",    "t_borderi",    "t_boutmakei",  "t_cpurh",        "t_cpuri",  "t_ebom",
+    "t_ebomcheck",  "t_eitem",      "t_pmrph",      "t_pmrpi",        "t_porder", "t_porderchk",
+    "t_wstockqtyh", "t_wstockqtyi", "t_wstockqtys", "t_tovrand_lock",
 };
 
 std::string schemaText() {
