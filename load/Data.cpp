@@ -125,9 +125,10 @@ std::string accountsSql(const std::string& database, int clients) {
 }  // namespace
 
 void fillTarget(const Target& target, int clients) {
+  target.run(accountsSql(target.database(), clients));
   target.run(readFile(std::string(TOVRAND_SOURCE_DIR) + "/schema/tovrand.sql"));
   target.run(fixturesSql());
-  target.run(accountsSql(target.database(), clients));
+  target.settle();
 }
 
 }  // namespace tovrand::load

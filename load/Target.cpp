@@ -116,6 +116,10 @@ class ClusterTarget final : public Target {
   std::vector<std::vector<std::string>> query(const std::string& sql) const override {
     return queryOver(sockets_.front(), database_, "SET SESSION wsrep_sync_wait=1;\n" + sql);
   }
+  void settle() const override {
+    for (const std::string& socket : sockets_)
+      queryOver(socket, database_, "SET SESSION wsrep_sync_wait=1;\nSELECT COUNT(*) FROM mysql.user");
+  }
 
  private:
   std::string name_ = "cluster";

@@ -24,6 +24,9 @@ class Target {
   // The rows a query answers, tab-separated columns, as root; on a cluster the read waits until the
   // node has applied everything the others committed before it.
   virtual std::vector<std::vector<std::string>> query(const std::string& sql) const = 0;
+  // Returns once every node has applied what was committed before (the accounts and fixtures that
+  // clients on other nodes than the first are about to use).
+  virtual void settle() const {}
 };
 
 // `maxConnections` goes to the server's start options.
