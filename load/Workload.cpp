@@ -84,7 +84,7 @@ class Client {
     }
     ready.count_down();
     go.wait();
-    std::discrete_distribution<int> pick(kWeights.begin(), kWeights.end());
+    std::discrete_distribution<int> pick(options_.weights.begin(), options_.weights.end());
     while (Clock::now() < deadline && !stop.load(std::memory_order_relaxed)) step(pick(rng_));
     // The objects go (their sessions close) before the run's figures are read.
     pmrpi_.reset();

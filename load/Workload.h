@@ -25,7 +25,7 @@ enum Member : int {
   kMemberCount
 };
 const char* memberName(int member);
-inline constexpr std::array<int, kMemberCount> kWeights{10, 20, 14, 8, 10, 12, 6, 6, 10};
+inline constexpr std::array<int, kMemberCount> kDefaultWeights{10, 20, 14, 8, 10, 12, 6, 6, 10};
 
 struct MemberFigures {
   std::vector<float> latencyMs;  // of every call
@@ -69,6 +69,7 @@ struct RunOptions {
   double seconds = 20;
   std::uint64_t seed = 1;
   std::string engine = "odbc";
+  std::array<int, kMemberCount> weights = kDefaultWeights;
 };
 
 // `clients` threads, each with its own host and objects of the four classes on a session of its own

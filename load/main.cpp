@@ -54,13 +54,19 @@ struct Options {
   std::string results;
   std::uint64_t seed = 1;
   std::string engine = "odbc";
+  std::array<int, kMemberCount> weights = kDefaultWeights;
 };
 
 int usage() {
-  std::cerr << "usage: tovrand_load [--clients 16,64,200] [--seconds 20] [--targets single,cluster]\n"
-               "                    [--results DIR] [--seed N] [--engine odbc|mariadb]\n"
-               "  (defaults from TOVRAND_LOAD_CLIENTS, TOVRAND_LOAD_SECONDS, TOVRAND_LOAD_TARGETS,\n"
-               "   TOVRAND_LOAD_RESULTS, TOVRAND_LOAD_SEED, TOVRAND_LOAD_ENGINE)\n";
+  std::cerr
+      << "usage: tovrand_load [--clients 16,64,200] [--seconds 20] [--targets single,cluster]\n"
+         "                    [--results DIR] [--seed N] [--engine odbc|mariadb] [--weights W1,...,W9]\n"
+         "  (defaults from TOVRAND_LOAD_CLIENTS, TOVRAND_LOAD_SECONDS, TOVRAND_LOAD_TARGETS,\n"
+         "   TOVRAND_LOAD_RESULTS, TOVRAND_LOAD_SEED, TOVRAND_LOAD_ENGINE, TOVRAND_LOAD_WEIGHTS)\n"
+         "  weights, in this order:";
+  for (int m = 0; m < kMemberCount; ++m)
+    std::cerr << (m ? ", " : " ") << memberName(m) << " " << kDefaultWeights[static_cast<std::size_t>(m)];
+  std::cerr << "\n";
   return 2;
 }
 
@@ -86,6 +92,7 @@ int main(int argc, char** argv) {
   o.results = setting("TOVRAND_LOAD_RESULTS", std::string(TOVRAND_SOURCE_DIR) + "/load/results");
   std::string seed = setting("TOVRAND_LOAD_SEED", "1");
   o.engine = setting("TOVRAND_LOAD_ENGINE", "odbc");
+  std::string weights = setting("TOVRAND_LOAD_WEIGHTS", "");
   for (int i = 1; i < argc; ++i) {
     const std::string a = argv[i];
     if (i + 1 >= argc) return usage();
@@ -102,6 +109,8 @@ int main(int argc, char** argv) {
       seed = v;
     else if (a == "--engine")
       o.engine = v;
+    else if (a == "--weights")
+      weights = v;
     else
       return usage();
   }
@@ -109,6 +118,14 @@ int main(int argc, char** argv) {
     for (const std::string& c : split(clients)) o.clients.push_back(std::stoi(c));
     o.seconds = std::stod(seconds);
     o.seed = std::stoull(seed);
+    if (!weights.empty()) {
+      const std::vector<std::string> w = split(weights);
+      if (w.size() != kMemberCount) return usage();
+      for (std::size_t m = 0; m < w.size(); ++m) o.weights[m] = std::stoi(w[m]);
+      if (std::all_of(o.weights.begin(), o.weights.end(), [](int x) { return x <= 0; }) ||
+          std::any_of(o.weights.begin(), o.weights.end(), [](int x) { return x < 0; }))
+        return usage();
+    }
   } catch (const std::exception&) {
     return usage();
   }
@@ -128,8 +145,9 @@ int main(int argc, char** argv) {
   const int maxConnections = maxClients + 50;
   Output out;
   out << "tovrand_load: " << clients << " clients, " << o.seconds << " s per level, targets " << targets
-      << ", engine " << o.engine << ", seed " << o.seed << ", " << std::thread::hardware_concurrency()
-      << " cores\n";
+      << ", engine " << o.engine << ", seed " << o.seed << ", weights";
+  for (int w : o.weights) out << " " << w;
+  out << ", " << std::thread::hardware_concurrency() << " cores\n";
   std::vector<RunResult> runs;
   bool held = true;
   try {
@@ -149,7 +167,8 @@ int main(int argc, char** argv) {
       std::vector<RunResult> targetRuns;
       for (int n : o.clients) {
         if (stopRequested) break;
-        RunOptions ro{.clients = n, .seconds = o.seconds, .seed = o.seed, .engine = o.engine};
+        RunOptions ro{
+            .clients = n, .seconds = o.seconds, .seed = o.seed, .engine = o.engine, .weights = o.weights};
         RunResult r = runClients(*target, cursor, ro, stopRequested);
         std::ostringstream table;
         printRun(table, r);
