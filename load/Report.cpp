@@ -126,8 +126,11 @@ std::string writeResults(const std::string& directory, const std::vector<RunResu
   gp << "set output 'load.png'\n";
   gp << "set multiplot layout 2," << std::max<std::size_t>(targets.size(), 1)
      << " title 'Concurrent clients: calls per second and 99th-percentile latency per member'\n";
-  gp << "set logscale x\nset grid\nset key outside right top\nset xlabel 'clients'\nset xtics (16, 64, "
-        "200)\n";
+  std::set<int> levels;
+  for (const RunResult& run : runs) levels.insert(run.clients);
+  gp << "set logscale x\nset grid\nset key outside right top\nset xlabel 'clients'\nset xtics (";
+  for (auto it = levels.begin(); it != levels.end(); ++it) gp << (it == levels.begin() ? "" : ", ") << *it;
+  gp << ")\nset xrange [" << *levels.begin() * 0.8 << ":" << *levels.rbegin() * 1.25 << "]\n";
   for (const char* panel : {"calls", "p99"}) {
     const bool calls = std::string(panel) == "calls";
     for (const std::string& t : targets) {
