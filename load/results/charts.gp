@@ -8,6 +8,7 @@ set grid
 set key outside right top
 set xlabel 'clients'
 set xtics (16, 64, 200)
+set xrange [12.8:250]
 set title 'single: calls per second'
 unset logscale y
 plot for [i=0:8] 'load-single.dat' index i using 1:2 with linespoints title word(titles, i + 1)
