@@ -11,7 +11,7 @@ FUZZ_SECONDS ?= 600
 CCACHE := $(shell command -v ccache >/dev/null 2>&1 && echo -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 
 .PHONY: all setup setup-com setup-bench setup-fuzz build build-asan fuzz-build demo test test-native test-asan \
-	test-fuzz fuzz reliability com test-com installer bench format clean package
+	test-fuzz fuzz reliability com test-com installer bench load format clean package
 
 all: build
 
@@ -92,11 +92,20 @@ bench: setup-bench
 	cmake --build build-bench -j$(JOBS)
 	build-bench/bench/tovrand_bench
 
+# Many concurrent clients (16, 64 and 200 by default, TOVRAND_LOAD_CLIENTS), LOAD_SECONDS each
+# (TOVRAND_LOAD_SECONDS), on a private server and on a private three-node cluster; the table, the
+# CSV files and the chart go to load/results/. Fails when the tables' sums do not hold afterwards.
+LOAD_SECONDS ?= 20
+load: setup-bench
+	cmake -S . -B build-load $(CCACHE) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTOVRAND_LOAD=ON -DTOVRAND_TESTS=OFF
+	cmake --build build-load -j$(JOBS) --target tovrand_load
+	TOVRAND_LOAD_SECONDS=$${TOVRAND_LOAD_SECONDS:-$(LOAD_SECONDS)} build-load/load/tovrand_load
+
 format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-bench build-com $(PACKAGE_BUILD) dist
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-bench build-load build-com $(PACKAGE_BUILD) dist
 
 # Everything a site installs, into dist/: the Debian packages libtovrandN, libtovrand-dev and tovrand
 # (cmake/Packaging.cmake), checked by lintian, which fails the target on an error, and the Windows
