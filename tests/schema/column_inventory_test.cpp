@@ -200,6 +200,9 @@ const std::vector<ColumnUse> kColumnUses = {
     {"T_EItem", "F_ItemName"},
     {"T_EItem", "F_ItemDesc"},
     {"T_EItem", "F_Unit"},
+    // The lock row serialize_allocation=1 writes.
+    {"t_tovrand_lock", "F_Name"},
+    {"t_tovrand_lock", "F_Taken"},
 };
 
 using ColumnInventoryTest = DatabaseTest;
