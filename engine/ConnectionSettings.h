@@ -36,7 +36,8 @@ namespace tovrand {
 //    a server without Galera answers no row and is ready;
 //  - connect_timeout applies to each host in turn: when every host is down or frozen, opening a session
 //    gives up after at most (number of hosts) x connect_timeout, with the same handled error as one
-//    unreachable host, naming each host tried and why it was passed over;
+//    unreachable host, naming each host tried and why it was passed over (a node that accepts the
+//    connection and then stops answering also takes up to timeout= for its readiness);
 //  - a session lost while a call runs (its node died) fails that call as any lost session does
 //    (engine/SessionState.h); the next statement opens a new session, again trying the hosts from the
 //    first, so that it lands on the first survivor;
