@@ -168,6 +168,38 @@ struct Call {
 
 class LostNode : public DatabaseTest {};
 
+// The component's objects on a list whose first host is down: created and working on the second.
+TEST_F(LostNode, AnObjectCreatedWithTheFirstHostDownWorksOnTheSecond) {
+  std::map<std::string, std::string> values = clusterValues();
+  if (values.empty()) GTEST_SKIP() << "runs on the test cluster (tests/scripts/on_cluster_node.sh)";
+  std::string ports = values["PORTS"];
+  std::string rest = ports.substr(ports.find(',') + 1);
+  std::string hosts = "127.0.0.1:" + std::to_string(deadPort());
+  for (std::size_t start = 0; start <= rest.size();) {
+    std::size_t comma = rest.find(',', start);
+    hosts += ",127.0.0.1:" + rest.substr(start, comma - start);
+    if (comma == std::string::npos) break;
+    start = comma + 1;
+  }
+  auto messages = std::make_shared<RecordingMessageSink>();
+  auto host = std::make_shared<NativeHost>(
+      ConnectionSettings::parse("mysql://tovrand:tovrand@" + hosts + "/" + database() +
+                                "?engine=" + engineName() + "&server_date=2026-11-22&connect_timeout=3"),
+      messages);
+  clsDataPMrpi pmrpi(host);
+  clsEntPMrpi e;
+  e.F_ProdNo(2026110001.0);
+  e.F_ItemNo("RM-2001");
+  e.F_Dosage(1.5);
+  EXPECT_EQ(pmrpi.AddRecord(e), 1);
+  EXPECT_TRUE(messages->messages().empty());
+  EXPECT_EQ(scalar("select concat(F_ItemNo, '|', F_Dosage) from t_pmrpi"), "RM-2001|1.5");
+  // A read on the same session works as well.
+  Collection lines;
+  pmrpi.QueryPMrpiStatus(lines, 2026110001.0);
+  EXPECT_TRUE(messages->messages().empty());
+}
+
 TEST_F(LostNode, AKilledNodeCostsAFewHandledCallsAndNoAcknowledgedWrite) {
   std::map<std::string, std::string> values = clusterValues();
   if (values.empty()) GTEST_SKIP() << "runs on the test cluster (tests/scripts/on_cluster_node.sh)";
