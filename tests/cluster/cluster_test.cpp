@@ -30,6 +30,7 @@
 #include "odbc/OdbcConnection.h"
 #include "pmrpi/clsDataPMrpi.h"
 #include "tests/support/TestDatabase.h"
+#include "tooling/Relay.h"
 #include "vb/VbError.h"
 
 namespace tovrand::test {
@@ -155,6 +156,40 @@ TEST_F(ClusterHosts, EveryHostDownIsTheHandledErrorWithinHostsTimesConnectTimeou
     }
     EXPECT_EQ(e.description().find(":tovrand@"), std::string::npos) << "no password: " << e.description();
   }
+}
+
+TEST_F(ClusterHosts, HostsThatStopAnsweringAreWaitedForConnectTimeoutEachInTurn) {
+  const int connectTimeout = 2;
+  // Two hosts that take the connection and then answer nothing, before node 3.
+  tooling::Relay first(tooling::Relay::Upstream::tcpPort(ports_[0]));
+  tooling::Relay second(tooling::Relay::Upstream::tcpPort(ports_[1]));
+  first.blackhole();
+  second.blackhole();
+  auto t0 = Clock::now();
+  ConnectionSettings s =
+      listOf({first.port(), second.port(), ports_[2]}, "connect_timeout=" + std::to_string(connectTimeout));
+  EXPECT_EQ(firstValue(s, "select @@wsrep_node_name"), "node3");
+  double took = std::chrono::duration<double>(Clock::now() - t0).count();
+  EXPECT_GE(took, 2.0 * connectTimeout - 0.5);
+  EXPECT_LE(took, 2.0 * connectTimeout + 1.5);
+
+  // All three silent: the handled error after about three times connect_timeout.
+  tooling::Relay third(tooling::Relay::Upstream::tcpPort(ports_[2]));
+  third.blackhole();
+  ConnectionSettings silent = listOf({first.port(), second.port(), third.port()},
+                                     "connect_timeout=" + std::to_string(connectTimeout));
+  t0 = Clock::now();
+  try {
+    firstValue(silent, "select 1");
+    FAIL() << "a session opened with every host silent";
+  } catch (const VbError& e) {
+    took = std::chrono::duration<double>(Clock::now() - t0).count();
+    EXPECT_EQ(e.number(), vberr::kProviderError);
+    EXPECT_NE(e.description().find("no host of the list took a session"), std::string::npos)
+        << e.description();
+  }
+  EXPECT_GE(took, 3.0 * connectTimeout - 0.5);
+  EXPECT_LE(took, 3.0 * connectTimeout + 1.5);
 }
 
 // One call of the client: what it was, how it ended, how long it took.
