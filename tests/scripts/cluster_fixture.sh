@@ -11,7 +11,7 @@ root=$(cd "$(dirname "$0")/../.." && pwd)
 cluster=$root/scripts/cluster
 command=${1:-}
 file=${2:-}
-[ -n "$command" ] && [ -n "$file" ] || { echo "usage: cluster_fixture.sh up|down FILE" >&2; exit 2; }
+if [ -z "$command" ] || [ -z "$file" ]; then echo "usage: cluster_fixture.sh up|down FILE" >&2; exit 2; fi
 
 case "$command" in
   up)

@@ -5,7 +5,10 @@
 set -euo pipefail
 file=${1:-}
 node=${2:-}
-[ -n "$file" ] && [ -n "$node" ] && [ $# -ge 3 ] || { echo "usage: on_cluster_node.sh FILE N PROGRAM [ARGS...]" >&2; exit 2; }
+if [ -z "$file" ] || [ -z "$node" ] || [ $# -lt 3 ]; then
+  echo "usage: on_cluster_node.sh FILE N PROGRAM [ARGS...]" >&2
+  exit 2
+fi
 shift 2
 [ -f "$file" ] || { echo "no cluster: $file is missing (the fixture cluster_up did not run or failed)" >&2; exit 1; }
 dsn=$(sed -n "s/^NODE${node}=//p" "$file")
