@@ -203,6 +203,30 @@ std::vector<std::pair<std::string, std::string>> splitOdbc(std::string_view text
   return pairs;
 }
 
+// One host of the host part, with its port when one is written.
+ConnectionSettings::Endpoint endpointOf(std::string_view hostPort, std::string_view origin) {
+  ConnectionSettings::Endpoint endpoint;
+  if (std::size_t colon = hostPort.rfind(':'); colon != std::string_view::npos) {
+    std::string portText(hostPort.substr(colon + 1));
+    hostPort = hostPort.substr(0, colon);
+    bool digits = !portText.empty() && portText.size() <= 5;
+    for (char c : portText) digits = digits && std::isdigit(static_cast<unsigned char>(c));
+    int port = digits ? std::atoi(portText.c_str()) : 0;
+    if (port < 1 || port > 65535) {
+      fail(std::string(origin) + " is malformed: the port '" + portText +
+           "' is not a number from 1 to 65535");
+    }
+    endpoint.port = port;
+  }
+  endpoint.host = urlDecode(hostPort);
+  if (endpoint.host.empty()) fail(std::string(origin) + " is malformed: no host name after '@'");
+  return endpoint;
+}
+
+std::string endpointText(const ConnectionSettings::Endpoint& e) {
+  return e.port != 0 ? e.host + ":" + std::to_string(e.port) : e.host;
+}
+
 }  // namespace
 
 std::string urlDecode(std::string_view text) {
@@ -278,20 +302,18 @@ ConnectionSettings ConnectionSettings::parse(std::string_view dsnText, std::stri
     s.user = urlDecode(credentials);
   }
   if (s.user.empty()) fail(std::string(origin) + " is malformed: no user name before '@'");
-  if (std::size_t colon = hostPort.rfind(':'); colon != std::string_view::npos) {
-    std::string portText(hostPort.substr(colon + 1));
-    hostPort = hostPort.substr(0, colon);
-    bool digits = !portText.empty() && portText.size() <= 5;
-    for (char c : portText) digits = digits && std::isdigit(static_cast<unsigned char>(c));
-    int port = digits ? std::atoi(portText.c_str()) : 0;
-    if (port < 1 || port > 65535) {
-      fail(std::string(origin) + " is malformed: the port '" + portText +
-           "' is not a number from 1 to 65535");
-    }
-    s.port = port;
+  // host:port, or a list of them separated by commas.
+  std::vector<ConnectionSettings::Endpoint> endpoints;
+  for (;;) {
+    std::size_t comma = hostPort.find(',');
+    std::string_view one = hostPort.substr(0, comma);
+    endpoints.push_back(endpointOf(one, origin));
+    if (comma == std::string_view::npos) break;
+    hostPort = hostPort.substr(comma + 1);
   }
-  s.host = urlDecode(hostPort);
-  if (s.host.empty()) fail(std::string(origin) + " is malformed: no host name after '@'");
+  s.host = endpoints.front().host;
+  s.port = endpoints.front().port;
+  if (endpoints.size() > 1) s.hosts = std::move(endpoints);
   while (!database.empty() && database.back() == '/') database.remove_suffix(1);
   s.database = urlDecode(database);
   if (s.database.empty()) fail(std::string(origin) + " is malformed: no database name after the host");
@@ -315,7 +337,25 @@ ConnectionSettings ConnectionSettings::parse(std::string_view dsnText, std::stri
            "connect_timeout, ssl, ssl_ca, engine)");
     }
   }
+  if (s.multiHost() && !s.socket.empty()) {
+    fail(std::string(origin) +
+         " is malformed: the option socket names one server and cannot go with a list of " +
+         std::to_string(s.hosts.size()) + " hosts");
+  }
   return s;
+}
+
+std::vector<ConnectionSettings> ConnectionSettings::eachHost() const {
+  if (!multiHost()) return {*this};
+  std::vector<ConnectionSettings> out;
+  for (const Endpoint& e : hosts) {
+    ConnectionSettings one = *this;
+    one.hosts.clear();
+    one.host = e.host;
+    one.port = e.port;
+    out.push_back(std::move(one));
+  }
+  return out;
 }
 
 std::string ConnectionSettings::defaultConfigPath() {
@@ -381,7 +421,13 @@ std::string ConnectionSettings::odbcConnectionString() const {
 
 std::string ConnectionSettings::connectionKey() const {
   // The allocation transaction runs on the session, so sessions with and without it are kept apart.
-  return odbcConnectionString() + "\n" + serverDate + (serializeAllocation ? "\nserialize_allocation" : "") +
+  std::string list;
+  if (multiHost()) {
+    list = "\nhosts=";
+    for (const Endpoint& e : hosts) list += endpointText(e) + ",";
+  }
+  return odbcConnectionString() + list + "\n" + serverDate +
+         (serializeAllocation ? "\nserialize_allocation" : "") +
          (engine == "odbc" ? "" : "\nengine=" + engine);
 }
 
@@ -394,8 +440,12 @@ std::string ConnectionSettings::redacted() const {
     }
     return "odbc:" + out;
   }
-  std::string out = "mysql://" + user + (password.empty() ? "" : ":***") + "@" + host;
-  if (port != 0) out += ":" + std::to_string(port);
+  std::string out = "mysql://" + user + (password.empty() ? "" : ":***") + "@";
+  if (multiHost()) {
+    for (std::size_t i = 0; i < hosts.size(); ++i) out += (i == 0 ? "" : ",") + endpointText(hosts[i]);
+  } else {
+    out += endpointText({host, port});
+  }
   out += "/" + database;
   // What was asked of the transport belongs in a message about a connection that failed.
   std::string options;

@@ -33,6 +33,17 @@ void checkSession(const std::vector<Value>& sessionRow) {
   }
 }
 
+std::string notReadyReason(const std::vector<Value>& readyRow) {
+  if (readyRow.size() < 2 || readyRow[1].isNull()) return {};
+  if (toLowerAscii(CStr(readyRow[1])) == "off")
+    return "not ready: wsrep_ready is OFF (the node is not part of its cluster's primary component)";
+  return {};
+}
+
+std::string hostText(const ConnectionSettings& one) {
+  return one.port != 0 ? one.host + ":" + std::to_string(one.port) : one.host;
+}
+
 std::optional<std::string> clockPinning(const ConnectionSettings& settings) {
   if (settings.serverDate.empty()) return std::nullopt;
   return "SET timestamp = UNIX_TIMESTAMP('" + settings.serverDate + " 12:00:00')";

@@ -27,17 +27,10 @@ engine::SharedSessions<MariaDbConnection>& shared() {
   return sessions;
 }
 
-// Where a session may be opened, in the order they are tried.
-struct Endpoint {
-  std::string host;
-  int port = 0;
-};
-
-std::vector<Endpoint> endpointsOf(const ConnectionSettings& s) {
-  std::string host = s.host;
-  // The client library treats "localhost" as its socket; a port asks for TCP.
-  if (s.socket.empty() && s.port != 0 && toLowerAscii(host) == "localhost") host = "127.0.0.1";
-  return {Endpoint{host, s.port}};
+// The host the client library is given: it treats "localhost" as its socket, and a port asks for TCP.
+std::string clientHost(const ConnectionSettings& one) {
+  if (one.socket.empty() && one.port != 0 && toLowerAscii(one.host) == "localhost") return "127.0.0.1";
+  return one.host;
 }
 
 struct SessionCloser {
@@ -93,23 +86,22 @@ struct MariaDbConnection::Impl : Parts {
     if (!settings.rawOdbc.empty()) {
       refuse("the mariadb engine connects with a mysql:// setting, not an ODBC connection string");
     }
-    std::vector<Endpoint> endpoints = endpointsOf(settings);
-    std::string failure;
-    for (const Endpoint& endpoint : endpoints) {
-      Session m = prepared();
-      const char* socket = settings.socket.empty() ? nullptr : settings.socket.c_str();
-      if (mysql_real_connect(m.get(), endpoint.host.c_str(), settings.user.c_str(), settings.password.c_str(),
-                             settings.database.c_str(), static_cast<unsigned int>(endpoint.port), socket,
-                             0) != nullptr) {
-        mysql = std::move(m);
-        failure.clear();
-        break;
-      }
-      failure = mariadb::errorOf(mysql_errno(m.get()), mysql_sqlstate(m.get()), mysql_error(m.get()),
-                                 "connecting", secret)
-                    .description();
-    }
-    if (!mysql) refuse(failure);
+    engine::openOnFirstReadyHost(
+        settings,
+        [&](const ConnectionSettings& one) -> std::optional<std::string> {
+          Session m = prepared();
+          const char* socket = one.socket.empty() ? nullptr : one.socket.c_str();
+          if (mysql_real_connect(m.get(), clientHost(one).c_str(), one.user.c_str(), one.password.c_str(),
+                                 one.database.c_str(), static_cast<unsigned int>(one.port), socket,
+                                 0) == nullptr) {
+            return mariadb::errorOf(mysql_errno(m.get()), mysql_sqlstate(m.get()), mysql_error(m.get()),
+                                    "connecting", secret)
+                .description();
+          }
+          mysql = std::move(m);
+          return std::nullopt;
+        },
+        [&] { return rowOf(mysql.get(), engine::kReadyQuery, false); }, [&] { mysql.reset(); });
 
     engine::checkSession(firstRow(engine::kSessionQuery));
     // A server without TLS leaves the session in plain text: such a session is refused before anything
@@ -164,27 +156,29 @@ struct MariaDbConnection::Impl : Parts {
   // The first row of a query run outside the trace; empty when there is none. `asText`: the first
   // column as the server's text.
   std::vector<Value> firstRow(std::string_view sql, bool asText = false) {
-    return guarded([&]() -> std::vector<Value> {
-      engine::Guard lock(exchange);
-      MYSQL* m = mysql.get();
-      if (mysql_real_query(m, sql.data(), sql.size()) != 0)
-        mariadb::raiseSessionError(m, "running a query", secret);
-      if (mysql_field_count(m) == 0) return {};
-      Result result(mysql_store_result(m));
-      if (!result) mariadb::raiseSessionError(m, "reading a result", secret);
-      mariadb::Columns columns =
-          mariadb::describeFields(mysql_fetch_fields(result.get()), mysql_num_fields(result.get()));
-      if (columns.empty()) return {};
-      if (asText) columns[0].kind = mariadb::ColumnKind::Text;
-      MYSQL_ROW row = mysql_fetch_row(result.get());
-      if (row == nullptr) return {};
-      unsigned long* lengths = mysql_fetch_lengths(result.get());
-      std::vector<Value> values;
-      values.reserve(columns.size());
-      for (std::size_t i = 0; i < columns.size(); ++i)
-        values.push_back(mariadb::valueOf(columns[i], row[i], lengths[i]));
-      return values;
-    });
+    return guarded([&] { return rowOf(mysql.get(), sql, asText); });
+  }
+
+  // The same on a given session, a lost session not noted (a host being tried is not yet the session).
+  std::vector<Value> rowOf(MYSQL* m, std::string_view sql, bool asText) {
+    engine::Guard lock(exchange);
+    if (mysql_real_query(m, sql.data(), sql.size()) != 0)
+      mariadb::raiseSessionError(m, "running a query", secret);
+    if (mysql_field_count(m) == 0) return {};
+    Result result(mysql_store_result(m));
+    if (!result) mariadb::raiseSessionError(m, "reading a result", secret);
+    mariadb::Columns columns =
+        mariadb::describeFields(mysql_fetch_fields(result.get()), mysql_num_fields(result.get()));
+    if (columns.empty()) return {};
+    if (asText) columns[0].kind = mariadb::ColumnKind::Text;
+    MYSQL_ROW row = mysql_fetch_row(result.get());
+    if (row == nullptr) return {};
+    unsigned long* lengths = mysql_fetch_lengths(result.get());
+    std::vector<Value> values;
+    values.reserve(columns.size());
+    for (std::size_t i = 0; i < columns.size(); ++i)
+      values.push_back(mariadb::valueOf(columns[i], row[i], lengths[i]));
+    return values;
   }
 };
 

@@ -61,26 +61,38 @@ struct OdbcConnection::Impl : Parts {
     for (Handle& r : retired) SQLDisconnect(r.get());
   }
 
-  // Connects and sets the session up: the server's table-name folding checked, the clock pinned.
-  void open() {
+  // Connects to the one host `one` names; answers why it could not, or nullopt once connected.
+  std::optional<std::string> connectTo(const ConnectionSettings& one) {
     SQLHANDLE h = SQL_NULL_HANDLE;
     check(SQLAllocHandle(SQL_HANDLE_DBC, env->get(), &h), SQL_HANDLE_ENV, env->get(),
           "allocating a connection", secret);
     dbc = Handle(SQL_HANDLE_DBC, h);
     SQLSetConnectAttrW(h, SQL_ATTR_LOGIN_TIMEOUT,
-                       reinterpret_cast<SQLPOINTER>(static_cast<SQLLEN>(settings.connectTimeoutSeconds)), 0);
+                       reinterpret_cast<SQLPOINTER>(static_cast<SQLLEN>(one.connectTimeoutSeconds)), 0);
     SQLSetConnectAttrW(h, SQL_ATTR_AUTOCOMMIT,
                        reinterpret_cast<SQLPOINTER>(static_cast<SQLLEN>(SQL_AUTOCOMMIT_ON)), 0);
 
-    WideText connectionString(settings.odbcConnectionString());
+    WideText connectionString(one.odbcConnectionString());
     SQLRETURN rc = SQLDriverConnectW(h, nullptr, connectionString.get(), connectionString.length(), nullptr,
                                      0, nullptr, SQL_DRIVER_NOPROMPT);
     if (!SQL_SUCCEEDED(rc)) {
-      engine::refuseSession(
-          settings,
-          odbc::toVbError(odbc::diagnosticOf(SQL_HANDLE_DBC, h), "connecting", secret).description());
+      return odbc::toVbError(odbc::diagnosticOf(SQL_HANDLE_DBC, h), "connecting", secret).description();
     }
     connected = true;
+    return std::nullopt;
+  }
+
+  // Connects and sets the session up: the server's table-name folding checked, the clock pinned.
+  void open() {
+    engine::openOnFirstReadyHost(
+        settings, [&](const ConnectionSettings& one) { return connectTo(one); },
+        [&] { return rowOn(dbc.get(), engine::kReadyQuery, false); },
+        [&] {
+          SQLDisconnect(dbc.get());
+          dbc = Handle();
+          connected = false;
+        });
+    SQLHDBC h = dbc.get();
 
     std::vector<Value> session = firstRow(engine::kSessionQuery);
     engine::checkSession(session);
@@ -144,25 +156,28 @@ struct OdbcConnection::Impl : Parts {
   // The first row of a query run outside the trace; empty when there is none. `asText`: the first
   // column as the server's text.
   std::vector<Value> firstRow(std::string_view sql, bool asText = false) {
-    return guarded([&]() -> std::vector<Value> {
-      SQLHDBC d = dbc.get();
-      SQLHANDLE h = SQL_NULL_HANDLE;
-      check(SQLAllocHandle(SQL_HANDLE_STMT, d, &h), SQL_HANDLE_DBC, d, "allocating a statement", secret);
-      Handle stmt(SQL_HANDLE_STMT, h);
-      WideText text(sql);
-      check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a query", secret);
-      std::vector<odbc::ColumnInfo> columns = odbc::describeColumns(h, secret, odbc::BaseNames::Skip);
-      if (columns.empty()) return {};
-      if (asText) columns[0].kind = odbc::ColumnKind::Text;
-      SQLRETURN rc = SQLFetch(h);
-      if (rc == SQL_NO_DATA) return {};
-      check(rc, SQL_HANDLE_STMT, h, "fetching a row", secret);
-      std::vector<Value> row;
-      for (std::size_t i = 0; i < columns.size(); ++i) {
-        row.push_back(odbc::readColumn(h, static_cast<SQLUSMALLINT>(i + 1), columns[i], secret));
-      }
-      return row;
-    });
+    return guarded([&] { return rowOn(dbc.get(), sql, asText); });
+  }
+
+  // The same on a given connection, a lost session not noted (a host being tried is not yet the
+  // session).
+  std::vector<Value> rowOn(SQLHDBC d, std::string_view sql, bool asText) {
+    SQLHANDLE h = SQL_NULL_HANDLE;
+    check(SQLAllocHandle(SQL_HANDLE_STMT, d, &h), SQL_HANDLE_DBC, d, "allocating a statement", secret);
+    Handle stmt(SQL_HANDLE_STMT, h);
+    WideText text(sql);
+    check(SQLExecDirectW(h, text.get(), text.length()), SQL_HANDLE_STMT, h, "running a query", secret);
+    std::vector<odbc::ColumnInfo> columns = odbc::describeColumns(h, secret, odbc::BaseNames::Skip);
+    if (columns.empty()) return {};
+    if (asText) columns[0].kind = odbc::ColumnKind::Text;
+    SQLRETURN rc = SQLFetch(h);
+    if (rc == SQL_NO_DATA) return {};
+    check(rc, SQL_HANDLE_STMT, h, "fetching a row", secret);
+    std::vector<Value> row;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      row.push_back(odbc::readColumn(h, static_cast<SQLUSMALLINT>(i + 1), columns[i], secret));
+    }
+    return row;
   }
 
   // MariaDB Connector/ODBC hands character data to SQL_C_CHAR buffers in the session's character set

@@ -8,10 +8,15 @@ namespace {
 
 using LineCreation = PMrpiTest;
 
+// Every line as "N:F_ProdNo|F_ItemNo|figures|status", in id order, N its place in that order: the
+// server's ids may step by more than one (on a cluster, by the node count).
 constexpr const char* kAllLines =
-    "select group_concat(concat_ws('|', concat(F_ID, ':', F_ProdNo), ifnull(F_ItemNo,'NULL'), "
+    "select group_concat(concat_ws('|', concat(n, ':', F_ProdNo), ifnull(F_ItemNo,'NULL'), "
     "ifnull(F_Dosage,'NULL'), ifnull(F_Waste,'NULL'), ifnull(F_SafeQty,'NULL'), ifnull(F_RequestQty,'NULL'), "
-    "ifnull(F_LeadTime,'NULL'), ifnull(F_Status,'NULL')) order by F_ID separator ';') from t_pmrpi";
+    "ifnull(F_LeadTime,'NULL'), ifnull(F_Status,'NULL')) order by n separator ';') from "
+    "(select *, row_number() over (order by F_ID) as n from t_pmrpi) as ordered";
+
+constexpr const char* kLineIds = "select group_concat(F_ID order by F_ID) from t_pmrpi";
 
 clsEntPMrpi newLine(double prodNo, const std::string& itemNo) {
   clsEntPMrpi e = lineKey(prodNo, itemNo);
@@ -54,6 +59,7 @@ TEST_F(LineCreation, AddRecordOverwritesTheFiveFiguresOfAnExistingLineAndNothing
       "(2026110002, 'RM-2002', 1, 0, 1, 1, 1, 2)");
   clsEntPMrpi e = newLine(2026110001, "RM-2002");
   e.F_Status(0);
+  const std::string ids = scalar(kLineIds);
 
   EXPECT_EQ(pmrpi().AddRecord(e), 1);
 
@@ -66,6 +72,7 @@ TEST_F(LineCreation, AddRecordOverwritesTheFiveFiguresOfAnExistingLineAndNothing
   EXPECT_EQ(scalar(kAllLines),
             "1:2026110001|RM-2001|1|0|1|1|1|0;2:2026110001|RM-2002|0.32|0.02|50|120.5|14|3;"
             "3:2026110002|RM-2002|1|0|1|1|1|2");
+  EXPECT_EQ(scalar(kLineIds), ids) << "the line keeps its id";
   EXPECT_TRUE(messages().messages().empty());
 }
 

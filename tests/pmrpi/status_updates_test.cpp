@@ -6,17 +6,20 @@
 namespace tovrand::test {
 namespace {
 
-// Every line as "F_ID:F_ProdNo|F_ItemNo|figures|status", in id order.
+// Every line as "N:F_ProdNo|F_ItemNo|figures|status", in id order, N its place in that order: the
+// server's ids may step by more than one (on a cluster, by the node count).
 constexpr const char* kAllLines =
-    "select group_concat(concat_ws('|', concat(F_ID, ':', F_ProdNo), F_ItemNo, ifnull(F_Dosage,'NULL'), "
+    "select group_concat(concat_ws('|', concat(n, ':', F_ProdNo), F_ItemNo, ifnull(F_Dosage,'NULL'), "
     "ifnull(F_Waste,'NULL'), ifnull(F_SafeQty,'NULL'), ifnull(F_RequestQty,'NULL'), "
-    "ifnull(F_LeadTime,'NULL'), ifnull(F_Status,'NULL')) order by F_ID separator ';') from t_pmrpi";
+    "ifnull(F_LeadTime,'NULL'), ifnull(F_Status,'NULL')) order by n separator ';') from "
+    "(select *, row_number() over (order by F_ID) as n from t_pmrpi) as ordered";
 
 class StatusUpdates : public PMrpiTest {
  protected:
   void SetUp() override {
     PMrpiTest::SetUp();
-    // Ids 1 to 4: the line to change sits between lines of the same order and of the same material.
+    // Lines 1 to 4 in id order: the line to change sits between lines of the same order and of the same
+    // material.
     exec(
         "insert into t_pmrpi (F_ProdNo, F_ItemNo, F_Dosage, F_Waste, F_SafeQty, F_RequestQty, F_LeadTime, "
         "F_Status) values "
@@ -151,7 +154,8 @@ TEST_F(StatusUpdates, UpdateRecordWritesTheMaterialAsTheEntitySpellsIt) {
   clsEntPMrpi e = fullLine(2026110002, "rm-2003");
   EXPECT_EQ(pmrpi().UpdateRecord(e), 1);
   EXPECT_EQ(
-      scalar("select concat(F_ID, ':', F_ItemNo) from t_pmrpi where F_ProdNo = 2026110002 and F_Status = 2"),
+      scalar("select concat(n, ':', F_ItemNo) from (select *, row_number() over (order by F_ID) as n from "
+             "t_pmrpi) as ordered where F_ProdNo = 2026110002 and F_Status = 2"),
       "4:rm-2003");
   EXPECT_EQ(scalar("select count(*) from t_pmrpi"), "4");
 }
@@ -176,7 +180,10 @@ TEST_F(StatusUpdates, UpdateRecordWithAMaterialLongerThanItsColumnShowsTheLength
   clsEntPMrpi e = fullLine(2026110001, "RM-2001" + std::string(30, ' '));
   EXPECT_EQ(pmrpi().UpdateRecord(e), 0);
   EXPECT_EQ(messages().messages(), std::vector<Message>{information(kTooLongMessage)});
-  EXPECT_EQ(scalar("select concat(F_Dosage, '|', F_Status) from t_pmrpi where F_ID = 1"), "2.5|0");
+  EXPECT_EQ(
+      scalar(
+          "select concat(F_Dosage, '|', F_Status) from t_pmrpi where F_ID = (select min(F_ID) from t_pmrpi)"),
+      "2.5|0");
   for (const TracedStatement& s : statements()) EXPECT_EQ(s.origin, StatementOrigin::Method) << s.sql;
   clsEntPMrpi probe = fullLine(2026110001, "RM-2001");
   EXPECT_EQ(pmrpi().UpdateRecord(probe), 1) << "the object stays usable";
@@ -186,7 +193,10 @@ TEST_F(StatusUpdates, UpdateRecordWithAQuoteShowsTheDescriptionAndReturnsZero) {
   clsEntPMrpi e = fullLine(2026110001, "RM'2001");
   EXPECT_EQ(pmrpi().UpdateRecord(e), 0);
   EXPECT_EQ(messages().messages(), std::vector<Message>{information(syntaxError("2001'"))});
-  EXPECT_EQ(scalar("select concat(F_Dosage, '|', F_Status) from t_pmrpi where F_ID = 1"), "2.5|0");
+  EXPECT_EQ(
+      scalar(
+          "select concat(F_Dosage, '|', F_Status) from t_pmrpi where F_ID = (select min(F_ID) from t_pmrpi)"),
+      "2.5|0");
 }
 
 }  // namespace

@@ -146,7 +146,8 @@ TEST_F(SchemaStructureTest, PlanningLinesAreUniquePerProductionOrderAndMaterial)
 TEST_F(SchemaStructureTest, APlanningLineMayHaveNoMaterial) {
   exec("insert into t_pmrpi (F_ProdNo, F_ItemNo) values (2026110001, NULL), (2026110001, NULL)");
   EXPECT_EQ(count("select count(*) from t_pmrpi where F_ProdNo = 2026110001 and F_ItemNo is null"), 2);
-  EXPECT_EQ(scalar("select group_concat(F_ID order by F_ID) from t_pmrpi"), "1,2");
+  // Each line has an id of its own; how far apart they are is the server's (a cluster steps by its size).
+  EXPECT_EQ(scalar("select count(distinct F_ID) from t_pmrpi where F_ID > 0"), "2");
 }
 
 TEST_F(SchemaStructureTest, ProductionAndSalesOrderNumbersAreDoubles) {
