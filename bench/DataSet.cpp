@@ -253,6 +253,9 @@ std::unique_ptr<DataSet> makeDataSet(Server& server, int rows, bool appendTables
   server.admin("CREATE DATABASE `" + d->database + "` CHARACTER SET utf8mb4");
   server.runSql(d->database, readFile(std::string(TOVRAND_SOURCE_DIR) + "/schema/tovrand.sql"));
   d->settings = server.settingsFor(d->database);
+  d->settings.engine = "mariadb";
+  d->settingsOdbc = d->settings;
+  d->settingsOdbc.engine = "odbc";
   d->fixture = OdbcConnection::openPrivate(d->settings);
 
   long products = d->products(), materials = d->materials(), customers = d->customers();
@@ -294,9 +297,10 @@ std::unique_ptr<DataSet> makeDataSet(Server& server, int rows, bool appendTables
       "t_wstockqtyh, t_wstockqtyi, t_cpuri, t_cpurh, t_ebom, t_ebomcheck, t_eitem, t_boutmakei");
 
   d->objects = std::make_unique<Objects>(d->settings);
+  d->objectsOdbc = std::make_unique<Objects>(d->settingsOdbc);
   d->odbc = odbcBaseline(d->settings);
   d->connectorC = connectorCBaseline(d->settings);
-  if (std::getenv("TOVRAND_BENCH_NO_ENGINE") == nullptr) d->engine = engineBaseline(d->settings);
+  if (std::getenv("TOVRAND_BENCH_NO_ENGINE") == nullptr) d->engine = engineBaseline(d->settingsOdbc);
   d->setupSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   std::fprintf(stderr, "data set: %d rows%s in %s, ready in %.1f s\n", rows,
                appendTablesOnly ? " (the tables added to whole)" : "", d->database.c_str(), d->setupSeconds);
@@ -305,6 +309,7 @@ std::unique_ptr<DataSet> makeDataSet(Server& server, int rows, bool appendTables
 
 void drop(Server& server, DataSet& d) {
   d.objects.reset();
+  d.objectsOdbc.reset();
   d.odbc.reset();
   d.connectorC.reset();
   d.engine.reset();

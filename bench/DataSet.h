@@ -43,10 +43,12 @@ struct DataSet {
   int rows = 0;
   bool appendTablesOnly = false;
   std::string database;
-  ConnectionSettings settings;
+  ConnectionSettings settings;      // the native engine (the default)
+  ConnectionSettings settingsOdbc;  // the same database on the ODBC engine
   double setupSeconds = 0;
   std::shared_ptr<OdbcConnection> fixture;  // restores, outside the trace
-  std::unique_ptr<Objects> objects;
+  std::unique_ptr<Objects> objects;         // on the native engine
+  std::unique_ptr<Objects> objectsOdbc;     // on the ODBC engine
   std::unique_ptr<Baseline> odbc;
   std::unique_ptr<Baseline> connectorC;
   std::unique_ptr<Baseline> engine;
@@ -80,6 +82,8 @@ struct DataSet {
   static constexpr double kLargeReleaseProdNo = 20261299901.0;  // an order with 200 reserved lines
 
   void exec(const std::string& sql) const { fixture->execute(sql); }
+  // The objects a timed or counted run of `impl` calls.
+  Objects& objectsOf(bool odbcEngine) { return odbcEngine ? *objectsOdbc : *objects; }
 };
 
 // Creates and fills the database of one size on `server`; drop() removes it.

@@ -43,8 +43,10 @@ class PeakProbe {
 
 // Sends one call of the job: the component's or a baseline's.
 std::size_t callOnce(DataSet& d, const Case* c, const Workload* w, Impl impl, int v, const VariantPlan& p) {
-  if (impl == Impl::Component)
-    return (c != nullptr ? c->call(d, *d.objects, v) : w->call(d, *d.objects)).yield;
+  if (impl == Impl::Component || impl == Impl::ComponentOdbc) {
+    Objects& objects = d.objectsOf(impl == Impl::ComponentOdbc);
+    return (c != nullptr ? c->call(d, objects, v) : w->call(d, objects)).yield;
+  }
   Baseline& b = impl == Impl::ConnectorC ? *d.connectorC : impl == Impl::Engine ? *d.engine : *d.odbc;
   return b.runAll(impl == Impl::Installed ? p.installed : p.steps);
 }
@@ -59,13 +61,16 @@ void measurePeak(DataSet& d, const Case* c, const Workload* w, Impl impl, Plans&
   callOnce(d, c, w, impl, 0, p);  // what the first call of a session learns is not the call's own cost
   restore();
   d.objects->messages->take();
+  d.objectsOdbc->messages->take();
   ::malloc_trim(0);
   PeakProbe probe;
   callOnce(d, c, w, impl, 0, p);
   long grown = probe.growthKiB();
   restore();
-  if (!d.objects->messages->messages().empty())
-    fatal("a message during the memory pass: " + d.objects->messages->messages()[0].text);
+  for (Objects* o : {d.objects.get(), d.objectsOdbc.get()}) {
+    if (!o->messages->messages().empty())
+      fatal("a message during the memory pass: " + o->messages->messages()[0].text);
+  }
   Series& s = results.series[{c != nullptr ? c->key : w->key, impl, d.rows}];
   s.peakKiB = grown;
 }
@@ -76,14 +81,14 @@ void memoryPass(const DataSets& dataSets, Plans& plans, Results& results) {
   for (auto& [rows, d] : dataSets) {
     for (const Case& c : cases()) {
       if (d->appendTablesOnly && !c.addsToWholeTable) continue;
-      std::vector<Impl> impls = {Impl::Component, Impl::Odbc, Impl::ConnectorC};
+      std::vector<Impl> impls = {Impl::Component, Impl::ComponentOdbc, Impl::Odbc, Impl::ConnectorC};
       if (!d->appendTablesOnly && d->engine) impls.push_back(Impl::Engine);
       if (c.addsToWholeTable) impls.push_back(Impl::Installed);
       for (Impl impl : impls) measurePeak(*d, &c, nullptr, impl, plans, results);
     }
     if (rows == results.workloadSize) {
       for (const Workload& w : workloads()) {
-        for (Impl impl : {Impl::Component, Impl::Odbc, Impl::ConnectorC})
+        for (Impl impl : {Impl::Component, Impl::ComponentOdbc, Impl::Odbc, Impl::ConnectorC})
           measurePeak(*d, nullptr, &w, impl, plans, results);
       }
     }

@@ -7,8 +7,9 @@
 
 namespace tovrand::bench {
 
-// Who sends a member's statements: the component, or a bare client replaying them.
-enum class Impl { Component, Odbc, ConnectorC, Installed, Engine };
+// Who sends a member's statements: the component on the native engine (the default) or on the ODBC
+// engine, or a bare client replaying them.
+enum class Impl { Component, Odbc, ConnectorC, Installed, Engine, ComponentOdbc };
 const char* implName(Impl impl);
 const char* implLabel(Impl impl);
 
@@ -34,6 +35,7 @@ struct RoundTrips {
   int calls = 0;
   double perCall = 0;
   double questions = 0, prepares = 0, executes = 0, closes = 0;  // per call, from the server
+  double selects = 0, inserts = 0, updates = 0, deletes = 0;     // the server's Com_* counters per call
   bool consistent = true;  // the commands seen at the socket are the ones the server counted
   std::string note;
 };
@@ -45,7 +47,8 @@ struct Results {
   int workloadSize = 0;
   std::string machine;                                          // processor, cores, memory, load
   std::map<std::tuple<std::string, Impl, int>, Series> series;  // (case or workload key, impl, rows)
-  std::map<std::string, RoundTrips> roundTrips;                 // by case or workload key
+  std::map<std::string, RoundTrips> roundTrips;                 // by case or workload key: native engine
+  std::map<std::string, RoundTrips> roundTripsOdbc;             // the same on the ODBC engine
   std::map<int, double> setupSeconds;
   // Members whose call is one read of one row (the single-row reads of the targets).
   std::map<std::string, bool> singleRowRead;

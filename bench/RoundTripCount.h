@@ -9,9 +9,9 @@
 
 namespace tovrand::bench {
 
-// Every member, 100 calls each, on `d`.
-void roundTripPass(DataSet& d, Plans& plans, Results& results);
+// Every member, 100 calls each, on `d`, through the native engine or the ODBC engine.
+void roundTripPass(DataSet& d, Plans& plans, Results& results, bool odbcEngine);
 // Every workload once, on `d`.
-void roundTripWorkloads(DataSet& d, Plans& plans, Results& results);
+void roundTripWorkloads(DataSet& d, Plans& plans, Results& results, bool odbcEngine);
 
 }  // namespace tovrand::bench

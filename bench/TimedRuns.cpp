@@ -47,11 +47,11 @@ void TimedRuns::runJob(benchmark::State& state, const Job& job) {
   int v = 0;
   for (auto _ : state) {
     const VariantPlan& p = plan.variants[static_cast<std::size_t>(v)];
-    if (job.impl == Impl::Component) {
-      Outcome out = job.c != nullptr ? job.c->call(d, *d.objects, v) : job.w->call(d, *d.objects);
-      if (out.status != expected || !d.objects->messages->messages().empty() ||
-          out.yield != p.outcome.yield) {
-        checkOutcome(label, expected, out, *d.objects);
+    if (job.impl == Impl::Component || job.impl == Impl::ComponentOdbc) {
+      Objects& objects = d.objectsOf(job.impl == Impl::ComponentOdbc);
+      Outcome out = job.c != nullptr ? job.c->call(d, objects, v) : job.w->call(d, objects);
+      if (out.status != expected || !objects.messages->messages().empty() || out.yield != p.outcome.yield) {
+        checkOutcome(label, expected, out, objects);
         fatal(label + " listed " + std::to_string(out.yield) + " instead of " +
               std::to_string(p.outcome.yield));
       }

@@ -124,6 +124,7 @@ class Demo {
       : runner_(runner), out_(out), options_(options) {}
 
   void run() {
+    tellEngine();
     say("Tovrand demo: one sales order on its way from review to released planning");
     say("(curdate() is pinned to 2026-11-22, the date the sample data is set on)");
     newObject("chk", "clsDataPOrderChk");
@@ -149,6 +150,18 @@ class Demo {
   };
 
   // --- plumbing ------------------------------------------------------------------------------------
+
+  // Which recordset engine answers the calls that follow: a first line of its own, and in the JSON
+  // form a JSON line, so that every line still reads as JSON.
+  void tellEngine() {
+    const std::string name = runner_.engine();
+    if (name.empty()) return;
+    if (options_.json) {
+      out_ << Json{{"engine", name}}.dump() << '\n';
+      return;
+    }
+    say("Engine: " + name + (name == "mariadb" ? " (MariaDB Connector/C)" : " (ODBC)"));
+  }
 
   void say(const std::string& text) {
     if (!options_.json) out_ << text << '\n';

@@ -1,5 +1,6 @@
 #include "cli/Json.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -170,9 +171,13 @@ Json entityToJson(const Entity& entity, bool withClass) {
   if (entity.isNothing()) return nullptr;
   const EntityClass& cls = entity.entityClass();
   Json j = Json::object();
-  if (withClass) j["$class"] = cls.name;
+  // A class's property names are distinct: appending skips the ordered map's search for each key, which
+  // a list of a hundred entities otherwise pays some two thousand times per answer.
+  auto& fields = j.get_ref<Json::object_t&>();
+  fields.reserve(cls.properties.size() + (withClass ? 1 : 0));
+  if (withClass) fields.emplace_back("$class", cls.name);
   for (std::size_t i = 0; i < cls.properties.size(); ++i)
-    j[std::string(cls.properties[i].name)] = valueToJson(entity.getAt(i));
+    fields.emplace_back(std::string(cls.properties[i].name), valueToJson(entity.getAt(i)));
   return j;
 }
 
@@ -210,6 +215,7 @@ Entity entityFromJson(const Json& j, const EntityClass& cls, std::string_view wh
 
 Json collectionToJson(const Collection& collection, const EntityClass& cls) {
   Json j = Json::array();
+  j.get_ref<Json::array_t&>().reserve(static_cast<std::size_t>(std::max(collection.Count(), 0)));
   for (std::int32_t i = 1; i <= collection.Count(); ++i) {
     const Entity item = collection.Item(i);
     j.push_back(entityToJson(item, !item.isNothing() && &item.entityClass() != &cls));

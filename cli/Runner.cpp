@@ -6,6 +6,7 @@
 #include "cli/Engine.h"
 #include "component/Component.h"
 #include "frame/Recordset.h"
+#include "host/NativeHost.h"
 #include "tooling/NativeHostWiring.h"
 #include "vb/Text.h"
 #include "vb/VbError.h"
@@ -92,6 +93,11 @@ ScriptRunner::~ScriptRunner() {
 Host& ScriptRunner::host() {
   if (!host_) host_ = hostFactory_(messages_);
   return *host_;
+}
+
+std::string ScriptRunner::engine() {
+  if (auto* native = dynamic_cast<NativeHost*>(&host())) return native->settings().engine;
+  return "";
 }
 
 Json ScriptRunner::takeMessages() {
@@ -225,6 +231,11 @@ Json ScriptRunner::callMember(const Json& request) {
         sql.push_back(Json{{"engine", s.sql}});
     }
     out["sql"] = std::move(sql);
+    // The first traced call opened the objects' session: its answer says which engine answered.
+    if (!engineTraced_) {
+      engineTraced_ = true;
+      if (std::string name = engine(); !name.empty()) out["engine"] = name;
+    }
   }
   trace_.recorded.clear();
   return out;

@@ -46,6 +46,9 @@ class ScriptRunner {
   Json answer(std::string_view line);
   // Every line of `in`, answered on `out`. Returns the exit status: 0 once every line was answered.
   int run(std::istream& in, std::ostream& out);
+  // The recordset engine the objects' sessions run on ("mariadb" or "odbc"), "" for a host that is not
+  // the native one. Makes the host when there is none yet (raises on a malformed setting).
+  std::string engine();
 
  private:
   class CallTrace final : public TraceSink {
@@ -71,6 +74,7 @@ class ScriptRunner {
   TraceSink* previousTrace_ = nullptr;
   std::shared_ptr<Host> host_;
   std::shared_ptr<DbConnection> fixtureConnection_;
+  bool engineTraced_ = false;  // a traced answer has named the engine
   std::vector<std::pair<std::string, std::unique_ptr<DispatchObject>>> objects_;
 };
 

@@ -87,6 +87,10 @@ bool applyOption(ConnectionSettings& s, std::string_view key, const std::string&
     if (name != "odbc" && name != "mariadb") {
       fail("the option engine of " + std::string(where) + " must be odbc or mariadb, not '" + value + "'");
     }
+    if (name == "mariadb" && !ConnectionSettings::kNativeEngineBuilt) {
+      fail("the option engine=mariadb of " + std::string(where) +
+           " names an engine this build does not have: use engine=odbc");
+    }
     s.engine = name;
   } else if (k == "short_date") {
     s.shortDate = value;
@@ -253,11 +257,20 @@ ConnectionSettings ConnectionSettings::parse(std::string_view dsnText, std::stri
   if (toLowerAscii(dsn.substr(0, kOdbc.size())) == kOdbc) {
     std::string where = std::string(origin) + " (odbc:...)";
     std::string raw;
+    s.engine = "odbc";
     for (auto& [key, value] : splitOdbc(std::string_view(dsn).substr(kOdbc.size()), where)) {
       std::string k = toLowerAscii(key);
       if (k == "server_date" || k == "short_date" || k == "long_time" || k == "timeout" ||
           k == "connect_timeout" || k == "serialize_allocation" || k == "ssl" || k == "ssl_ca") {
         applyOption(s, k, value, where);
+        continue;
+      }
+      // A raw ODBC string is for the ODBC driver: naming the engine is allowed, another one is not.
+      if (k == "engine") {
+        if (toLowerAscii(trim(value)) != "odbc") {
+          fail("the option engine of " + where + " must be odbc (an odbc: setting runs on ODBC), not '" +
+               value + "'");
+        }
         continue;
       }
       // A raw string that sets the driver's timeouts itself keeps them.

@@ -74,9 +74,18 @@ struct ConnectionSettings {
   bool serializeAllocation = false;  // serialize_allocation=1
   bool sslRequired = false;          // ssl=required, or ssl_ca given
   std::string sslCa;                 // ssl_ca=: the certificate authority the server is checked against
-  // engine=: the recordset engine sessions run on, "odbc" (the default) or "mariadb" (Connector/C,
-  // native Linux hosts only).
-  std::string engine = "odbc";
+  // engine=: the recordset engine sessions run on, "mariadb" (Connector/C) or "odbc". A mysql://
+  // setting without it runs on kDefaultEngine: the native engine on Linux hosts, ODBC in the Windows
+  // build, which has no other (engine=mariadb is refused there). An odbc: setting always runs on ODBC
+  // (engine=odbc is accepted in it, engine=mariadb refused).
+  std::string engine = kDefaultEngine;
+#ifdef _WIN32
+  static constexpr const char* kDefaultEngine = "odbc";
+  static constexpr bool kNativeEngineBuilt = false;
+#else
+  static constexpr const char* kDefaultEngine = "mariadb";
+  static constexpr bool kNativeEngineBuilt = true;
+#endif
 
   // Parses one setting; `origin` names where it came from in error texts ("TOVRAND_DSN", a file).
   static ConnectionSettings parse(std::string_view dsn, std::string_view origin = "the connection setting");

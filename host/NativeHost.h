@@ -9,7 +9,7 @@
 namespace tovrand {
 
 // The host of native programs (the command line, the tests, the benchmarks, a library user): connection
-// holders and recordsets from the engine the settings name (engine=odbc, the default, or mariadb),
+// holders and recordsets from the engine the settings name (engine=mariadb, the default on Linux, or odbc),
 // entities in this process, messages to the given sink. When the settings carry short_date or long_time,
 // the process's regional settings take them.
 class NativeHost final : public Host {

@@ -6,6 +6,7 @@
 
 #include "cli/Runner.h"
 #include "component/Component.h"
+#include "tests/support/Engines.h"
 #include "tests/support/TestDatabase.h"
 
 namespace tovrand::cli {
@@ -191,6 +192,39 @@ TEST_F(RunScriptTest, TraceListsTheStatementsEachCallSent) {
 )js");
   ASSERT_EQ(untraced.size(), 2u);
   EXPECT_FALSE(untraced[1].contains("sql")) << untraced[1].dump();
+}
+
+TEST_F(RunScriptTest, TheTraceNamesTheEngineThatAnsweredOnceAndOnlyWhenTraced) {
+  RunOptions traced;
+  traced.trace = true;
+  const std::string script = std::string(R"js({"new":"p","class":"clsDataPOrder"}
+)js") + kAddOrder + R"js(
+{"call":"p.QueryItem","args":{"Entity":{"F_ProdNo":2008050001}}}
+{"sql":"select 1 as one"}
+)js";
+  const std::vector<Json> a = run(script, traced);
+  ASSERT_EQ(a.size(), 4u);
+  EXPECT_EQ(a[0].dump(), R"js({"ok":true})js");
+  // After the statements, on the call that opened the session.
+  ASSERT_TRUE(a[1].contains("engine")) << a[1].dump();
+  EXPECT_EQ(a[1]["engine"], test::testEngine());
+  EXPECT_EQ(std::prev(a[1].end()).key(), "engine");
+  EXPECT_FALSE(a[2].contains("engine")) << a[2].dump();
+  EXPECT_FALSE(a[3].contains("engine")) << a[3].dump();
+
+  for (const char* engine : {"mariadb", "odbc"}) {
+    RunOptions named = traced;
+    named.dsn = dsn(std::string("engine=") + engine);
+    exec("delete from t_porder");
+    const std::vector<Json> b = run(script, named);
+    ASSERT_EQ(b.size(), 4u);
+    EXPECT_EQ(b[1]["engine"], engine) << b[1].dump();
+  }
+
+  exec("delete from t_porder");
+  const std::vector<Json> untraced = run(script);
+  ASSERT_EQ(untraced.size(), 4u);
+  for (const Json& answer : untraced) EXPECT_FALSE(answer.contains("engine")) << answer.dump();
 }
 
 TEST_F(RunScriptTest, ServerDateOptionPinsCurdateOverTheSettingsOwn) {

@@ -2,6 +2,7 @@
 // both engines keep are tests/odbc/connection_test.cpp's, run on each engine.
 #include <chrono>
 
+#include "host/NativeHost.h"
 #include "tests/mariadb/MariaDbTestSupport.h"
 #include "vb/Value.h"
 
@@ -80,15 +81,42 @@ TEST_F(MariaDbConnectionTest, AnOdbcConnectionStringIsRefusedByTheMariaDbEngine)
 }
 
 TEST_F(MariaDbConnectionTest, TheEngineOptionTakesOdbcOrMariadbOnly) {
-  EXPECT_EQ(ConnectionSettings::parse("mysql://u:p@h/d").engine, "odbc");
   EXPECT_EQ(ConnectionSettings::parse("mysql://u:p@h/d?engine=MariaDB").engine, "mariadb");
+  EXPECT_EQ(ConnectionSettings::parse("mysql://u:p@h/d?engine=ODBC").engine, "odbc");
   VbError e = errorOf([] { ConnectionSettings::parse("mysql://u:p@h/d?engine=oracle"); });
   EXPECT_EQ(e.number(), vberr::kProviderError);
   EXPECT_NE(e.description().find("odbc or mariadb"), std::string::npos) << e.description();
   EXPECT_NE(ConnectionSettings::parse("mysql://u:p@h/d?engine=mariadb").connectionKey(),
+            ConnectionSettings::parse("mysql://u:p@h/d?engine=odbc").connectionKey());
+  EXPECT_EQ(ConnectionSettings::parse("mysql://u:p@h/d?engine=mariadb").connectionKey(),
             ConnectionSettings::parse("mysql://u:p@h/d").connectionKey());
-  EXPECT_EQ(ConnectionSettings::parse("mysql://u:p@h/d?engine=odbc").connectionKey(),
-            ConnectionSettings::parse("mysql://u:p@h/d").connectionKey());
+}
+
+TEST_F(MariaDbConnectionTest, AMysqlSettingWithoutTheEngineOptionRunsOnTheNativeEngine) {
+  EXPECT_STREQ(ConnectionSettings::kDefaultEngine, "mariadb");
+  EXPECT_EQ(ConnectionSettings::parse("mysql://u:p@h/d").engine, "mariadb");
+  EXPECT_EQ(ConnectionSettings::parse("mysql://u:p@localhost/d?socket=/s&timeout=5").engine, "mariadb");
+  EXPECT_EQ(ConnectionSettings{}.engine, "mariadb");
+  auto host = std::make_shared<NativeHost>("mysql://u:p@h/d", nullptr);
+  EXPECT_NE(std::dynamic_pointer_cast<MariaDbDbConnection>(host->newDbConnection()), nullptr);
+  EXPECT_NE(std::dynamic_pointer_cast<MariaDbRecordset>(host->newRecordset()), nullptr);
+  auto odbcHost = std::make_shared<NativeHost>("mysql://u:p@h/d?engine=odbc", nullptr);
+  EXPECT_NE(std::dynamic_pointer_cast<OdbcDbConnection>(odbcHost->newDbConnection()), nullptr);
+  EXPECT_NE(std::dynamic_pointer_cast<OdbcRecordset>(odbcHost->newRecordset()), nullptr);
+}
+
+TEST_F(MariaDbConnectionTest, AnOdbcSettingRunsOnOdbcAndRefusesTheNativeEngine) {
+  EXPECT_EQ(ConnectionSettings::parse("odbc:DSN=erp;UID=u").engine, "odbc");
+  auto named = ConnectionSettings::parse("odbc:DSN=erp;engine=odbc;UID=u");
+  EXPECT_EQ(named.engine, "odbc");
+  // The option is the component's, not the driver's.
+  EXPECT_EQ(named.odbcConnectionString().find("engine"), std::string::npos) << named.odbcConnectionString();
+  auto host = std::make_shared<NativeHost>("odbc:DSN=erp;UID=u", nullptr);
+  EXPECT_NE(std::dynamic_pointer_cast<OdbcDbConnection>(host->newDbConnection()), nullptr);
+  VbError e = errorOf([] { ConnectionSettings::parse("odbc:DSN=erp;engine=mariadb;PWD=Secret-17"); });
+  EXPECT_EQ(e.number(), vberr::kProviderError);
+  EXPECT_NE(e.description().find("must be odbc"), std::string::npos) << e.description();
+  EXPECT_EQ(e.description().find("Secret-17"), std::string::npos) << e.description();
 }
 
 TEST_F(MariaDbConnectionTest, ServerErrorsCarryTheSameTextsAsOnTheOdbcEngine) {

@@ -1,7 +1,8 @@
 #pragma once
 
-// The recordset engine a suite runs on (TOVRAND_TEST_ENGINE: odbc, the default, or mariadb), and its
-// objects, so that one test source holds both engines to the same behaviour.
+// The recordset engine a suite runs on (TOVRAND_TEST_ENGINE: mariadb or odbc; unset, the engine a
+// setting without engine= gets), and its objects, so that one test source holds both engines to the
+// same behaviour.
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -24,17 +25,17 @@ namespace tovrand::test {
 
 inline std::string testEngine() {
   const char* engine = std::getenv("TOVRAND_TEST_ENGINE");
-  return engine && *engine ? engine : "odbc";
+  return engine && *engine ? engine : ConnectionSettings::kDefaultEngine;
 }
 
 inline bool onMariaDbEngine() {
   return testEngine() == "mariadb";
 }
 
-// A connection setting written out in a test, for the suite's engine.
+// A connection setting written out in a test, for the suite's engine (named even when it is the
+// default, so that the suite's engine does not hang on what the default is).
 inline std::string onTestEngine(const std::string& settings) {
-  if (!onMariaDbEngine()) return settings;
-  return settings + (settings.find('?') == std::string::npos ? "?" : "&") + "engine=mariadb";
+  return settings + (settings.find('?') == std::string::npos ? "?" : "&") + "engine=" + testEngine();
 }
 
 // A clsDbConnection holder on the engine the settings name, not yet open.

@@ -204,7 +204,7 @@ std::string DatabaseTest::dsn(const std::string& options) const {
   if (all.find("server_date=") == std::string::npos) {
     all = "server_date=" + std::string(kDefaultServerDate) + (all.empty() ? "" : "&" + all);
   }
-  // A whole suite runs on the engine TOVRAND_TEST_ENGINE names (odbc, the default, or mariadb).
+  // A whole suite runs on the engine TOVRAND_TEST_ENGINE names (mariadb or odbc; unset, the default).
   const char* engine = std::getenv("TOVRAND_TEST_ENGINE");
   if (engine && *engine && all.find("engine=") == std::string::npos) all += "&engine=" + std::string(engine);
   return out + (out.find('?') == std::string::npos ? "?" : "&") + all;
