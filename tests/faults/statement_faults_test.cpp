@@ -156,7 +156,7 @@ TEST_F(StatementFaults, ReviewAddRecordInTheAllocationTransaction) {
   member.transactionBegins = "start transaction";
   member.transactionEnds = "commit";
   cutAtEveryStatement(member);
-  EXPECT_EQ(scalar("select count(*) from information_schema.innodb_trx"), "0");
+  EXPECT_EQ(openTransactions(), "0");
 }
 
 // clsDataPMrph

@@ -33,8 +33,6 @@ class SerializedAllocation : public POrderChkTest {
  protected:
   std::string options() const override { return "server_date=2008-05-15&serialize_allocation=1"; }
 
-  // Transactions open on the server, of any session (the fixture's included).
-  std::string openTransactions() { return scalar("select count(*) from information_schema.innodb_trx"); }
   std::string timesTaken() {
     return scalar("select ifnull(max(F_Taken), 0) from t_tovrand_lock where F_Name='production number'");
   }

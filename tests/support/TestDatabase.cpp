@@ -231,6 +231,12 @@ std::string DatabaseTest::scalar(const std::string& sql) const {
   return v->str();
 }
 
+std::string DatabaseTest::openTransactions() const {
+  return scalar(
+      "select count(*) from information_schema.innodb_trx t join information_schema.processlist p on "
+      "p.id = t.trx_mysql_thread_id where p.db = database()");
+}
+
 void DatabaseTest::loadSample() const {
   std::string sample = readFile(std::string(TOVRAND_SOURCE_DIR) + "/schema/sample.sql");
   if (sample.empty()) throw std::runtime_error("schema/sample.sql cannot be read");

@@ -83,6 +83,9 @@ class DatabaseTest : public ::testing::Test {
   void exec(const std::string& sql) const;
   // One value of a query run outside the component, as text ("NULL" for SQL NULL); "" for no row.
   std::string scalar(const std::string& sql) const;
+  // Transactions open on this test's database, of any session (the fixture's included), as text: other
+  // programs may share the server (TOVRAND_TEST_DSN, a cluster) and have transactions of their own.
+  std::string openTransactions() const;
   // Loads schema/sample.sql.
   void loadSample() const;
   // The connection exec() and scalar() run on (never the component's shared one).
