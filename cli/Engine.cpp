@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "frame/OwnStatement.h"
+#include "cli/JsonWriter.h"
 
 namespace tovrand::cli {
 
@@ -15,10 +15,25 @@ Json cellToJson(const OwnCell& cell) {
   return Json(nullptr);
 }
 
+void writeCell(std::string& out, const OwnCell& cell) {
+  if (const auto* integer = std::get_if<std::int64_t>(&cell)) {
+    out += std::to_string(*integer);
+  } else if (const auto* number = std::get_if<double>(&cell)) {
+    writeNumber(out, *number);
+  } else if (const auto* text = std::get_if<std::string>(&cell)) {
+    writeString(out, *text);
+  } else {
+    out += "null";
+  }
+}
+
 }  // namespace
 
-Json runFixtureStatement(DbConnection& connection, const std::string& sql) {
-  const OwnStatementResult result = connection.Connection()->runOwnStatement(sql);
+OwnStatementResult runFixtureStatementRaw(DbConnection& connection, const std::string& sql) {
+  return connection.Connection()->runOwnStatement(sql);
+}
+
+Json fixtureAnswer(const OwnStatementResult& result) {
   Json answer{{"ok", true}};
   if (!result.hasResult) return answer;
   Json columns = Json::array();
@@ -32,6 +47,33 @@ Json runFixtureStatement(DbConnection& connection, const std::string& sql) {
   answer["columns"] = std::move(columns);
   answer["rows"] = std::move(rows);
   return answer;
+}
+
+void writeFixtureAnswer(std::string& out, const OwnStatementResult& result) {
+  out += "{\"ok\":true";
+  if (result.hasResult) {
+    out += ",\"columns\":[";
+    for (std::size_t i = 0; i < result.columns.size(); ++i) {
+      if (i > 0) out += ',';
+      writeString(out, result.columns[i]);
+    }
+    out += "],\"rows\":[";
+    for (std::size_t r = 0; r < result.rows.size(); ++r) {
+      if (r > 0) out += ',';
+      out += '[';
+      for (std::size_t c = 0; c < result.rows[r].size(); ++c) {
+        if (c > 0) out += ',';
+        writeCell(out, result.rows[r][c]);
+      }
+      out += ']';
+    }
+    out += ']';
+  }
+  out += '}';
+}
+
+Json runFixtureStatement(DbConnection& connection, const std::string& sql) {
+  return fixtureAnswer(runFixtureStatementRaw(connection, sql));
 }
 
 }  // namespace tovrand::cli

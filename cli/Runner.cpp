@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/Engine.h"
+#include "cli/JsonWriter.h"
 #include "component/Component.h"
 #include "frame/Recordset.h"
 #include "host/NativeHost.h"
@@ -50,8 +51,11 @@ void checkKeys(const Json& request, std::initializer_list<std::string_view> allo
   }
 }
 
-std::string dumped(const Json& j, int indent = -1) {
-  return j.dump(indent, ' ', false, Json::error_handler_t::replace);
+Json messagesToJson(const std::vector<Message>& messages) {
+  Json list = Json::array();
+  for (const Message& m : messages)
+    list.push_back(Json{{"text", m.text}, {"style", m.style}, {"title", m.title}});
+  return list;
 }
 
 }  // namespace
@@ -101,34 +105,60 @@ std::string ScriptRunner::engine() {
 }
 
 Json ScriptRunner::takeMessages() {
-  Json list = Json::array();
-  for (const Message& m : messages_->take())
-    list.push_back(Json{{"text", m.text}, {"style", m.style}, {"title", m.title}});
-  return list;
+  return messagesToJson(messages_->take());
 }
 
 Json ScriptRunner::answer(std::string_view line) {
+  Json tree;
+  respond(line, &tree, nullptr);
+  return tree;
+}
+
+void ScriptRunner::answerTo(std::string_view line, std::string& out, Json* tree) {
+  respond(line, tree, &out);
+}
+
+void ScriptRunner::respond(std::string_view line, Json* tree, std::string* text) {
+  const std::size_t start = text ? text->size() : 0;
+  auto give = [&](const Json& j) {
+    if (text) {
+      text->resize(start);
+      writeJson(*text, j);
+    }
+    if (tree) *tree = j;
+  };
   Json request;
   try {
     request = Json::parse(line);
   } catch (const Json::exception& e) {
     // Not only syntax errors: a number beyond every double (1e999) is an out-of-range error.
-    return errorLine(std::string("malformed JSON: ") + e.what());
+    give(errorLine(std::string("malformed JSON: ") + e.what()));
+    return;
   }
   messages_->take();
   try {
     if (!request.is_object()) throw ProtocolError("a request must be a JSON object");
-    if (request.contains("new")) return createObject(request);
-    if (request.contains("call")) return callMember(request);
-    if (request.contains("release")) return releaseObject(request);
-    if (request.contains("sql")) return runFixture(request);
-    throw ProtocolError("unknown request: expected one of \"new\", \"call\", \"release\", \"sql\"");
+    if (request.contains("new")) {
+      give(createObject(request));
+    } else if (request.contains("call")) {
+      const CallOutcome outcome = callMember(request);
+      if (tree) *tree = callAnswer(outcome);
+      if (text) writeCallAnswer(*text, outcome);
+    } else if (request.contains("release")) {
+      give(releaseObject(request));
+    } else if (request.contains("sql")) {
+      const OwnStatementResult result = runFixture(request);
+      if (tree) *tree = fixtureAnswer(result);
+      if (text) writeFixtureAnswer(*text, result);
+    } else {
+      throw ProtocolError("unknown request: expected one of \"new\", \"call\", \"release\", \"sql\"");
+    }
   } catch (const ProtocolError& e) {
-    return errorLine(e.what());
+    give(errorLine(e.what()));
   } catch (const VbError& e) {
-    return errorLine(e);
+    give(errorLine(e));
   } catch (const std::exception& e) {
-    return errorLine(e.what());
+    give(errorLine(e.what()));
   }
 }
 
@@ -167,7 +197,7 @@ Json ScriptRunner::releaseObject(const Json& request) {
   throw ProtocolError("no object named " + name);
 }
 
-Json ScriptRunner::callMember(const Json& request) {
+ScriptRunner::CallOutcome ScriptRunner::callMember(const Json& request) {
   checkKeys(request, {"call", "args"});
   const std::string& target = requiredString(request, "call");
   const std::size_t dot = target.rfind('.');
@@ -206,42 +236,100 @@ Json ScriptRunner::callMember(const Json& request) {
   messages_->take();
   trace_.recorded.clear();
   trace_.recording = true;
-  Value result;
+  CallOutcome outcome;
   try {
-    result = object->invoke(*member, args);
+    outcome.result = object->invoke(*member, args);
   } catch (...) {
     trace_.recording = false;
     throw;
   }
   trace_.recording = false;
-
-  Json out = Json::object();
-  out["result"] = valueToJson(result);
-  Json argsOut = Json::object();
-  for (std::size_t i = 0; i < member->params.size(); ++i)
-    argsOut[std::string(member->params[i].name)] = argumentToJson(args[i], member->params[i]);
-  out["args"] = std::move(argsOut);
-  out["messages"] = takeMessages();
+  outcome.member = member;
+  outcome.args = std::move(args);
+  outcome.messages = messages_->take();
   if (options_.trace) {
+    outcome.traced = true;
+    outcome.statements = std::move(trace_.recorded);
+    // The first traced call opened the objects' session: its answer says which engine answered.
+    if (!engineTraced_) {
+      engineTraced_ = true;
+      outcome.engine = engine();
+    }
+  }
+  trace_.recorded.clear();
+  return outcome;
+}
+
+Json ScriptRunner::callAnswer(const CallOutcome& outcome) {
+  const MemberInfo& member = *outcome.member;
+  Json out = Json::object();
+  out["result"] = valueToJson(outcome.result);
+  Json argsOut = Json::object();
+  for (std::size_t i = 0; i < member.params.size(); ++i)
+    argsOut[std::string(member.params[i].name)] = argumentToJson(outcome.args[i], member.params[i]);
+  out["args"] = std::move(argsOut);
+  out["messages"] = messagesToJson(outcome.messages);
+  if (outcome.traced) {
     Json sql = Json::array();
-    for (const TracedStatement& s : trace_.recorded) {
+    for (const TracedStatement& s : outcome.statements) {
       if (s.origin == StatementOrigin::Method)
         sql.push_back(s.sql);
       else
         sql.push_back(Json{{"engine", s.sql}});
     }
     out["sql"] = std::move(sql);
-    // The first traced call opened the objects' session: its answer says which engine answered.
-    if (!engineTraced_) {
-      engineTraced_ = true;
-      if (std::string name = engine(); !name.empty()) out["engine"] = name;
-    }
+    if (!outcome.engine.empty()) out["engine"] = outcome.engine;
   }
-  trace_.recorded.clear();
   return out;
 }
 
-Json ScriptRunner::runFixture(const Json& request) {
+void ScriptRunner::writeCallAnswer(std::string& out, const CallOutcome& outcome) {
+  const MemberInfo& member = *outcome.member;
+  out += "{\"result\":";
+  writeValue(out, outcome.result);
+  out += ",\"args\":{";
+  for (std::size_t i = 0; i < member.params.size(); ++i) {
+    if (i > 0) out += ',';
+    writeString(out, member.params[i].name);
+    out += ':';
+    writeArgument(out, outcome.args[i], member.params[i]);
+  }
+  out += "},\"messages\":[";
+  for (std::size_t i = 0; i < outcome.messages.size(); ++i) {
+    const Message& m = outcome.messages[i];
+    if (i > 0) out += ',';
+    out += "{\"text\":";
+    writeString(out, m.text);
+    out += ",\"style\":";
+    out += std::to_string(m.style);
+    out += ",\"title\":";
+    writeString(out, m.title);
+    out += '}';
+  }
+  out += ']';
+  if (outcome.traced) {
+    out += ",\"sql\":[";
+    for (std::size_t i = 0; i < outcome.statements.size(); ++i) {
+      const TracedStatement& s = outcome.statements[i];
+      if (i > 0) out += ',';
+      if (s.origin == StatementOrigin::Method) {
+        writeString(out, s.sql);
+      } else {
+        out += "{\"engine\":";
+        writeString(out, s.sql);
+        out += '}';
+      }
+    }
+    out += ']';
+    if (!outcome.engine.empty()) {
+      out += ",\"engine\":";
+      writeString(out, outcome.engine);
+    }
+  }
+  out += '}';
+}
+
+OwnStatementResult ScriptRunner::runFixture(const Json& request) {
   checkKeys(request, {"sql"});
   const std::string& sql = requiredString(request, "sql");
   struct Suspend {
@@ -254,11 +342,12 @@ Json ScriptRunner::runFixture(const Json& request) {
     connection->OpenConnection();
     fixtureConnection_ = std::move(connection);
   }
-  return runFixtureStatement(*fixtureConnection_, sql);
+  return runFixtureStatementRaw(*fixtureConnection_, sql);
 }
 
 int ScriptRunner::run(std::istream& in, std::ostream& out) {
   std::string line;
+  std::string answerText;
   bool first = true;
   while (std::getline(in, line)) {
     std::string_view text = line;
@@ -267,7 +356,10 @@ int ScriptRunner::run(std::istream& in, std::ostream& out) {
     text = trimmed(text);
     if (text.empty()) continue;
     if (text.front() == '#') continue;
-    out << dumped(answer(text)) << '\n';
+    answerText.clear();
+    answerTo(text, answerText);
+    answerText += '\n';
+    out.write(answerText.data(), static_cast<std::streamsize>(answerText.size()));
     out.flush();
   }
   return 0;

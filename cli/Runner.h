@@ -15,6 +15,7 @@
 #include "frame/Host.h"
 #include "frame/Members.h"
 #include "frame/MessageSink.h"
+#include "frame/OwnStatement.h"
 #include "frame/Trace.h"
 
 namespace tovrand::cli {
@@ -44,6 +45,11 @@ class ScriptRunner {
 
   // One request line (not blank, not a comment) answered; never throws.
   Json answer(std::string_view line);
+  // The same answer written as compact JSON text at the end of `out` (no line end), rows written as
+  // they are read rather than built as a tree first; never throws. With `tree`, the answer is also
+  // built there as answer() builds it, from the same single run of the request, so that the two forms
+  // can be held side by side.
+  void answerTo(std::string_view line, std::string& out, Json* tree = nullptr);
   // Every line of `in`, answered on `out`. Returns the exit status: 0 once every line was answered.
   int run(std::istream& in, std::ostream& out);
   // The recordset engine the objects' sessions run on ("mariadb" or "odbc"), "" for a host that is not
@@ -60,10 +66,24 @@ class ScriptRunner {
     std::vector<TracedStatement> recorded;
   };
 
+  // A member call carried out, waiting to be written as its answer.
+  struct CallOutcome {
+    const MemberInfo* member = nullptr;
+    std::vector<Argument> args;
+    Value result;
+    std::vector<Message> messages;
+    std::vector<TracedStatement> statements;
+    bool traced = false;
+    std::string engine;  // "" unless this answer names the engine
+  };
+
+  void respond(std::string_view line, Json* tree, std::string* text);
   Json createObject(const Json& request);
   Json releaseObject(const Json& request);
-  Json callMember(const Json& request);
-  Json runFixture(const Json& request);
+  CallOutcome callMember(const Json& request);
+  OwnStatementResult runFixture(const Json& request);
+  static Json callAnswer(const CallOutcome& outcome);
+  static void writeCallAnswer(std::string& out, const CallOutcome& outcome);
   Host& host();
   Json takeMessages();
 
