@@ -58,6 +58,20 @@ class SessionCache {
     results_[shape] = std::move(columns);
   }
 
+  // The columns of a result the client library described with this signature (a hash of the
+  // description itself, so that no text need be read to find it); null when not known yet. The caller
+  // checks that the description matches: different descriptions may share a signature.
+  std::shared_ptr<const Columns> describedColumns(std::uint64_t signature) {
+    Guard lock(mutex_);
+    auto it = described_.find(signature);
+    return it == described_.end() ? nullptr : it->second;
+  }
+  void rememberDescribedColumns(std::uint64_t signature, std::shared_ptr<const Columns> columns) {
+    Guard lock(mutex_);
+    if (described_.size() >= kMaxShapes) described_.clear();
+    described_[signature] = std::move(columns);
+  }
+
   // A statement prepared earlier on this session for exactly this text, taken out of the cache until
   // it is given back; an empty one when there is none.
   Lent takeStatement(const std::string& sql) {
@@ -110,6 +124,7 @@ class SessionCache {
     idleStatements_ = 0;
     tables_.clear();
     results_.clear();
+    described_.clear();
   }
 
   // Frees every prepared statement (before the connection that owns them is closed).
@@ -132,6 +147,7 @@ class SessionCache {
   std::uint64_t session_ = 1;
   std::unordered_map<std::string, std::shared_ptr<const Columns>> tables_;
   std::unordered_map<std::string, std::shared_ptr<const Columns>> results_;
+  std::unordered_map<std::uint64_t, std::shared_ptr<const Columns>> described_;
   Statements statements_;
   std::size_t idleStatements_ = 0;
 };

@@ -108,6 +108,41 @@ void classify(ColumnInfo& c) {
   }
 }
 
+// What describeFields takes as a column's table, column and catalog: all empty for a computed column.
+struct BaseNames {
+  std::string_view catalog, table, column;
+};
+
+BaseNames baseNamesOf(const MYSQL_FIELD& f) {
+  if (f.org_table == nullptr || f.org_table_length == 0 || f.org_name == nullptr || f.org_name_length == 0) {
+    return {};
+  }
+  return {f.db != nullptr ? std::string_view(f.db, f.db_length) : std::string_view(),
+          std::string_view(f.org_table, f.org_table_length), std::string_view(f.org_name, f.org_name_length)};
+}
+
+std::string_view labelOf(const MYSQL_FIELD& f) {
+  return f.name != nullptr ? std::string_view(f.name, f.name_length) : std::string_view();
+}
+
+// FNV-1a, 64 bits.
+constexpr std::uint64_t kHashStart = 14695981039346656037ULL;
+
+void mix(std::uint64_t& hash, std::string_view bytes) {
+  for (unsigned char c : bytes) {
+    hash ^= c;
+    hash *= 1099511628211ULL;
+  }
+  // The length closes each part, so that parts cannot slide into one another.
+  hash ^= bytes.size();
+  hash *= 1099511628211ULL;
+}
+
+void mix(std::uint64_t& hash, std::uint64_t number) {
+  hash ^= number;
+  hash *= 1099511628211ULL;
+}
+
 }  // namespace
 
 bool isSessionLost(unsigned int number, std::string_view sqlState) {
@@ -170,6 +205,40 @@ bool describesAs(const MYSQL_FIELD* fields, unsigned int count, const Columns& c
     const ColumnInfo& c = columns[i];
     if (f.type != c.type || f.length != c.length || f.charsetnr != c.charset ||
         ((f.flags & UNSIGNED_FLAG) != 0) != c.isUnsigned) {
+      return false;
+    }
+  }
+  return true;
+}
+
+std::uint64_t signatureOf(const MYSQL_FIELD* fields, unsigned int count) {
+  std::uint64_t hash = kHashStart;
+  mix(hash, count);
+  for (unsigned int i = 0; i < count; ++i) {
+    const MYSQL_FIELD& f = fields[i];
+    BaseNames base = baseNamesOf(f);
+    mix(hash, labelOf(f));
+    mix(hash, base.catalog);
+    mix(hash, base.table);
+    mix(hash, base.column);
+    mix(hash, static_cast<std::uint64_t>(f.type));
+    mix(hash, static_cast<std::uint64_t>(f.length));
+    mix(hash, static_cast<std::uint64_t>(f.flags));
+    mix(hash, static_cast<std::uint64_t>(f.charsetnr));
+  }
+  return hash;
+}
+
+bool describedExactlyAs(const MYSQL_FIELD* fields, unsigned int count, const Columns& columns) {
+  if (count != columns.size()) return false;
+  for (unsigned int i = 0; i < count; ++i) {
+    const MYSQL_FIELD& f = fields[i];
+    const ColumnInfo& c = columns[i];
+    if (f.type != c.type || f.length != c.length || f.flags != c.flags || f.charsetnr != c.charset)
+      return false;
+    BaseNames base = baseNamesOf(f);
+    if (labelOf(f) != c.name || base.catalog != c.catalog || base.table != c.baseTable ||
+        base.column != c.baseColumn) {
       return false;
     }
   }

@@ -6,6 +6,7 @@
 
 #include <mysql.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -59,6 +60,12 @@ Columns describeFields(const MYSQL_FIELD* fields, unsigned int count);
 // Whether the fields describe the columns' types, lengths and signedness (labels aside), so that an
 // earlier description can serve this result.
 bool describesAs(const MYSQL_FIELD* fields, unsigned int count, const Columns& columns);
+
+// A hash of everything describeFields reads from the fields, so that a result's columns can be found
+// again without reading its text.
+std::uint64_t signatureOf(const MYSQL_FIELD* fields, unsigned int count);
+// Whether describeFields would describe the fields exactly as `columns`.
+bool describedExactlyAs(const MYSQL_FIELD* fields, unsigned int count, const Columns& columns);
 
 // The value of one column of a text-protocol row; `data` null is SQL NULL.
 Value valueOf(const ColumnInfo& column, const char* data, unsigned long length);

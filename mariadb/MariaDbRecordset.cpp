@@ -152,17 +152,18 @@ struct MariaDbRecordsetCore final
     return true;
   }
 
-  // The columns of the stored result: taken from an earlier result of the same shape when the server
-  // describes the same types, else described.
+  // The columns of the stored result: an earlier result's when the server describes this one exactly
+  // as it did that one (the description's own hash finds it, no text is scanned), else described.
   std::shared_ptr<const Columns> resultColumns() {
     const MYSQL_FIELD* fields = mysql_fetch_fields(result.get());
     unsigned int count = mysql_num_fields(result.get());
-    std::string shape = engine::resultShapeOf(source);
-    if (auto known = cache().resultColumns(shape); known && mariadb::describesAs(fields, count, *known)) {
+    std::uint64_t signature = mariadb::signatureOf(fields, count);
+    if (auto known = cache().describedColumns(signature);
+        known && mariadb::describedExactlyAs(fields, count, *known)) {
       return known;
     }
     auto described = std::make_shared<const Columns>(mariadb::describeFields(fields, count));
-    cache().rememberResultColumns(shape, described);
+    cache().rememberDescribedColumns(signature, described);
     return described;
   }
 
