@@ -4,6 +4,8 @@
 #include <atomic>
 #include <chrono>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -35,6 +37,40 @@ class SerializedAllocation : public POrderChkTest {
 
   std::string timesTaken() {
     return scalar("select ifnull(max(F_Taken), 0) from t_tovrand_lock where F_Name='production number'");
+  }
+
+  // Two clients review `orders` sales orders of two lines each (client c's are 2900000 + c * 1000 + o),
+  // both starting at the same moment; the statuses each got, in order. The trace is off meanwhile: it
+  // records one thread at a time.
+  std::pair<std::vector<int>, std::vector<int>> reviewTogether(clsDataPOrderChk& first,
+                                                               clsDataPOrderChk& second, int orders) {
+    for (int c = 0; c < 2; ++c) {
+      for (int o = 0; o < orders; ++o) {
+        Collection unused;
+        salesOrder(unused, 2900000 + c * 1000 + o, 2);
+      }
+    }
+    setTraceSink(nullptr);
+    std::atomic<int> ready{0};
+    auto client = [&](clsDataPOrderChk& chk, int c, std::vector<int>& results) {
+      ++ready;
+      while (ready.load() < 2) {
+      }
+      for (int o = 0; o < orders; ++o) {
+        double orderNo = 2900000 + c * 1000 + o;
+        Collection lines;
+        lines.Add(line(orderNo, "1", "FG-1"));
+        lines.Add(line(orderNo, "2", "FG-2"));
+        results.push_back(chk.AddRecord(lines, CStr(orderNo), "C001", "PO-1", 4));
+      }
+    };
+    std::vector<int> firstResults, secondResults;
+    std::thread a([&] { client(first, 0, firstResults); });
+    std::thread b([&] { client(second, 1, secondResults); });
+    a.join();
+    b.join();
+    setTraceSink(&trace());
+    return {firstResults, secondResults};
   }
 };
 
@@ -207,35 +243,10 @@ TEST_F(SerializedAllocation, AllocatorQueuesUntilTheOtherSessionCommits) {
 // allocation gets its numbers, the numbers of one sales order are consecutive, and none is given twice.
 TEST_F(SerializedAllocation, TwoClientsAllocatingAtOnceBothGetConsecutiveNumbers) {
   constexpr int kOrders = 25;
-  for (int c = 0; c < 2; ++c) {
-    for (int o = 0; o < kOrders; ++o) {
-      Collection unused;
-      salesOrder(unused, 2900000 + c * 1000 + o, 2);
-    }
-  }
   // A different read timeout keeps the two clients' sessions apart.
   clsDataPOrderChk first(hostWith("server_date=2008-05-15&serialize_allocation=1&timeout=31"));
   clsDataPOrderChk second(hostWith("server_date=2008-05-15&serialize_allocation=1&timeout=32"));
-  setTraceSink(nullptr);  // the trace records one thread at a time
-  std::atomic<int> ready{0};
-  auto client = [&](clsDataPOrderChk& chk, int c, std::vector<int>& results) {
-    ++ready;
-    while (ready.load() < 2) {
-    }
-    for (int o = 0; o < kOrders; ++o) {
-      double orderNo = 2900000 + c * 1000 + o;
-      Collection lines;
-      lines.Add(line(orderNo, "1", "FG-1"));
-      lines.Add(line(orderNo, "2", "FG-2"));
-      results.push_back(chk.AddRecord(lines, CStr(orderNo), "C001", "PO-1", 4));
-    }
-  };
-  std::vector<int> firstResults, secondResults;
-  std::thread a([&] { client(first, 0, firstResults); });
-  std::thread b([&] { client(second, 1, secondResults); });
-  a.join();
-  b.join();
-  setTraceSink(&trace());
+  auto [firstResults, secondResults] = reviewTogether(first, second, kOrders);
 
   EXPECT_EQ(firstResults, std::vector<int>(kOrders, 1));
   EXPECT_EQ(secondResults, std::vector<int>(kOrders, 1));
@@ -254,30 +265,9 @@ TEST_F(SerializedAllocation, TwoClientsAllocatingAtOnceBothGetConsecutiveNumbers
 // instead of one beginning or ending the other's.
 TEST_F(SerializedAllocation, ObjectsSharingOneSessionTakeTurns) {
   constexpr int kOrders = 15;
-  for (int c = 0; c < 2; ++c) {
-    for (int o = 0; o < kOrders; ++o) {
-      Collection unused;
-      salesOrder(unused, 2900000 + c * 1000 + o, 2);
-    }
-  }
   clsDataPOrderChk first(hostWith(options()));
   clsDataPOrderChk second(hostWith(options()));
-  setTraceSink(nullptr);
-  std::vector<int> firstResults, secondResults;
-  auto client = [&](clsDataPOrderChk& chk, int c, std::vector<int>& results) {
-    for (int o = 0; o < kOrders; ++o) {
-      double orderNo = 2900000 + c * 1000 + o;
-      Collection lines;
-      lines.Add(line(orderNo, "1", "FG-1"));
-      lines.Add(line(orderNo, "2", "FG-2"));
-      results.push_back(chk.AddRecord(lines, CStr(orderNo), "C001", "PO-1", 4));
-    }
-  };
-  std::thread a([&] { client(first, 0, firstResults); });
-  std::thread b([&] { client(second, 1, secondResults); });
-  a.join();
-  b.join();
-  setTraceSink(&trace());
+  auto [firstResults, secondResults] = reviewTogether(first, second, kOrders);
 
   EXPECT_EQ(firstResults, std::vector<int>(kOrders, 1));
   EXPECT_EQ(secondResults, std::vector<int>(kOrders, 1));
