@@ -2,7 +2,8 @@
 // be carried out) and never takes the run down, whatever the line, its arguments and the member
 // called with them. Four objects, one of each class, exist before the first line (p, c, h, i, as
 // the example scripts name them); the stand-in server answers as the script's first line asks
-// ("# server: fails", "# server: null row", else no rows).
+// ("# server: fails", "# server: null row", else no rows). Each answer is written as the run writes
+// it and built as a tree too: both forms hold the same bytes.
 //
 // Input: a `tovrand run` script.
 
@@ -74,8 +75,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   while (at <= script.size()) {
     std::size_t end = script.find('\n', at);
     if (end == std::string_view::npos) end = script.size();
-    if (const std::string_view line = request(script.substr(at, end - at)); !line.empty())
-      checkAnswer(runner.answer(line));
+    if (const std::string_view line = request(script.substr(at, end - at)); !line.empty()) {
+      // The run writes its answers straight out; built as a tree from the same run of the request,
+      // the answer must dump to the very same bytes.
+      std::string text;
+      cli::Json tree;
+      runner.answerTo(line, text, &tree);
+      checkAnswer(tree);
+      require(text == tree.dump(-1, ' ', false, cli::Json::error_handler_t::replace),
+              "an answer written straight out is the bytes of its tree");
+    }
     at = end + 1;
   }
   return 0;
