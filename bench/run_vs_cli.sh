@@ -114,9 +114,9 @@ report=$work/report.txt
   printf '%-38s %6s %10s %10s %9s %9s %7s %7s %9s\n' "workload" "calls" "run s" "client s" "run/call" "cli/call" \
     "total" "per call" "JSON/call"
 } >"$report"
-for spec in "item $calls porder.QueryItem clsDataPOrder.QueryItem" \
+for workload in "item $calls porder.QueryItem clsDataPOrder.QueryItem" \
   "list $lists porder.QueryByStrSql.100 clsDataPOrder.QueryByStrSql(100_rows)"; do
-  read -r kind n key label <<<"$spec"
+  read -r kind n key label <<<"$workload"
   scripts "$n" "$kind"
   scripts 1 "$kind"
   run_tovrand "$work/$kind-$n.jsonl" | grep -c '"result":1' | grep -qx "$n" ||
