@@ -56,7 +56,7 @@ VbDate day(int y, int m, int d, int h = 0) {
 
 std::string dsnFor(const Target& target, int index, const std::string& engine) {
   return "mysql://ld" + std::to_string(index) + ":ld@127.0.0.1:" + std::to_string(target.portFor(index)) +
-         "/" + target.database() + "?serialize_allocation=1" + (engine == "odbc" ? "" : "&engine=" + engine);
+         "/" + target.database() + "?serialize_allocation=1&engine=" + engine;
 }
 
 // One client program: its own host, session and objects, its own seeded choice of work.

@@ -16,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "engine/ConnectionSettings.h"
 #include "load/Checks.h"
 #include "load/Data.h"
 #include "load/Report.h"
@@ -53,7 +54,7 @@ struct Options {
   std::vector<std::string> targets;
   std::string results;
   std::uint64_t seed = 1;
-  std::string engine = "odbc";
+  std::string engine = tovrand::ConnectionSettings::kDefaultEngine;
   std::array<int, kMemberCount> weights = kDefaultWeights;
 };
 
@@ -91,7 +92,7 @@ int main(int argc, char** argv) {
   std::string targets = setting("TOVRAND_LOAD_TARGETS", "single,cluster");
   o.results = setting("TOVRAND_LOAD_RESULTS", std::string(TOVRAND_SOURCE_DIR) + "/load/results");
   std::string seed = setting("TOVRAND_LOAD_SEED", "1");
-  o.engine = setting("TOVRAND_LOAD_ENGINE", "odbc");
+  o.engine = setting("TOVRAND_LOAD_ENGINE", tovrand::ConnectionSettings::kDefaultEngine);
   std::string weights = setting("TOVRAND_LOAD_WEIGHTS", "");
   for (int i = 1; i < argc; ++i) {
     const std::string a = argv[i];

@@ -134,7 +134,7 @@ class SerializedAllocation {
     thread_local std::mt19937 random(static_cast<std::mt19937::result_type>(
         std::random_device{}() ^
         static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count())));
-    const int ceiling = std::min(2 << std::min(attempt, 6), 100);
+    const int ceiling = std::min(2 << std::min(attempt, 10), 2000);
     return std::chrono::milliseconds(std::uniform_int_distribution<int>(1, ceiling)(random));
   }
 
