@@ -49,9 +49,9 @@ class SerializedAllocation {
 
   // Runs `allocate` inside the transaction until it commits; `attempts` counts the transactions begun.
   // A conflict with a concurrent allocation (deadlock, failed certification, a lock row waited for too
-  // long) rolls the whole allocation back and runs it again after a short random pause, within the
-  // bound; any other error ends it as it ends without the option: what the lines before it wrote
-  // stays, and the error is reported.
+  // long) rolls the whole allocation back and runs it again after a random pause that grows with each
+  // attempt, within the bound; any other error ends it as it ends without the option: what the lines before
+  // it wrote stays, and the error is reported.
   template <class Allocate, class Renew>
   void run(Allocate&& allocate, Renew&& renew, int& attempts) {
     // Two holders of one shared session must not begin or end each other's transaction.
